@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "common/Luid.h"
+
+namespace tavoren::simulator {
+
+/// What a request asks for, as faults and trace name it.
+enum class Request {
+    list,
+    getRecord,
+    platform,
+    setRecord,
+    reset,
+    getProperty,
+    setProperty,
+    start,
+    stop,
+    unknown,
+};
+
+/// "list", "get-record" and so on.
+std::string requestName(Request request);
+
+/// The ways in which the hub can misbehave.
+enum class FaultKind {
+    // of the reply to one kind of request
+    status,
+    shortReply,
+    emptyReply,
+    noReply,
+    transferError,
+    // of a session
+    zeroRecord,
+    longRecord,
+    unknownSensor,
+    foreignMessage,
+    leftOver,
+    silentSensor,
+    silence,
+    disconnect,
+    lateBuffers,
+    // of opening the device
+    refuseClient,
+};
+
+struct Fault {
+    FaultKind kind = FaultKind::status;
+    Request request = Request::unknown;  ///< whose reply is spoilt
+    std::uint8_t status = 1;             ///< that `status` answers with
+    std::optional<Luid> sensor;          ///< that stays silent; empty: the last one that reports
+};
+
+/// The faults of a run of the hub.
+class Faults {
+  public:
+    /// Adds a fault by its text, "name[:argument][=value]"; throws `std::invalid_argument`.
+    void add(const std::string& text);
+
+    const Fault* find(FaultKind kind) const;
+    const Fault* find(FaultKind kind, Request request) const;
+    bool has(FaultKind kind) const { return find(kind) != nullptr; }
+
+    /// A line for each fault and a list of the requests.
+    static std::string help();
+
+  private:
+    std::vector<Fault> list;
+};
+
+}  // namespace tavoren::simulator
