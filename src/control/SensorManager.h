@@ -13,6 +13,7 @@
 
 #include "firmware/SampleReceiver.h"
 #include "sensors/SensorDataMap.h"
+#include "platform/TimeLimits.h"
 #include "sensors/SensorRun.h"
 
 namespace tavoren {
@@ -68,7 +69,7 @@ class SensorManager final : public SensorRun, public SampleReceiver {
     std::string failureReport() const;
 
     /// How long a step may take; shortened by tests.
-    std::chrono::milliseconds stageTimeLimit{60000};
+    std::chrono::milliseconds stageTimeLimit = stageLimit;
 
     std::vector<std::shared_ptr<Sensor>> sensors;
     std::map<std::string, std::shared_ptr<Sensor>> sensorsByLuid;

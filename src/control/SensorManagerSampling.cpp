@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "common/CalibrationException.h"
@@ -103,6 +104,8 @@ void SensorManager::startSampling() {
         if (!record.start())
             throw CalibrationException("Failed to start PNRRecord");
     } catch (const SmhiException&) {
+        throw CalibrationException("Failed to start sampling");
+    } catch (const std::system_error&) {  // no thread to be had
         throw CalibrationException("Failed to start sampling");
     }
 }

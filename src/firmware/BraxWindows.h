@@ -7,16 +7,15 @@
 
 #include "firmware/BraxBase.h"
 #include "platform/Platform.h"
+#include "platform/TimeLimits.h"
 
 namespace tavoren {
 
 /// The channel over the bus driver's device, by overlapped transfers.
 class BraxWindows final : public BraxBase {
   public:
-    /// How long a transfer may take.
-    static constexpr std::chrono::milliseconds defaultWaitLimit{100000};
-
-    explicit BraxWindows(std::chrono::milliseconds limit = defaultWaitLimit) : waitLimit(limit) {}
+    /// `limit` is how long a transfer may take.
+    explicit BraxWindows(std::chrono::milliseconds limit = transferLimit) : waitLimit(limit) {}
     /// Leaves the device as it is: who connects closes.
     ~BraxWindows() override = default;
 

@@ -1,8 +1,10 @@
 #include "firmware/PNRRecordPrivate.h"
 
 #include <array>
+#include <exception>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "common/SmhiException.h"
 #include "firmware/BraxWindows.h"
@@ -12,6 +14,7 @@
 #include "firmware/SyncObjectWin.h"
 #include "frame/Logger.h"
 #include "platform/Platform.h"
+#include "platform/TimeLimits.h"
 
 namespace tavoren {
 
@@ -79,7 +82,7 @@ bool PNRRecordPrivate::start() {
         Sleep(pauseAfterRefusal);
         return false;
     }
-    startWorker();
+    startWorker();  // looks at `stopState` alone, which only a later `stop` changes
     recording = true;
     return true;
 }

@@ -30,12 +30,9 @@ class PNRRecordPrivate {
   public:
     using Clock = std::chrono::steady_clock;
 
-    /// How long left-over buffers of an earlier session are read away.
-    static constexpr std::chrono::seconds leftOverLimit{100};
-
     /// Talks to the device of the bus driver.
     PNRRecordPrivate();
-    /// `now` is the clock of `leftOverLimit`.
+    /// `now` is the clock for what is read behind a request to stop.
     explicit PNRRecordPrivate(std::shared_ptr<BraxBase> transport,
                               std::function<Clock::time_point()> now = Clock::now);
     PNRRecordPrivate(const PNRRecordPrivate&) = delete;
@@ -76,7 +73,7 @@ class PNRRecordPrivate {
     void takeBuffer(ByteSpan message);
     void takeStopAnswer(const SmhiHeader& header);
     void deliver(const SmhiSampleRecord& record);
-    void readFailed();
+    void readFailed() noexcept;
     void SendStopRecReq();
     void notify();
     bool isStopping() const;
@@ -90,6 +87,7 @@ class PNRRecordPrivate {
     std::vector<Luid> sensorLuids;  ///< stays empty: a session is for every sensor that reports
     std::atomic<StopState> stopState{StopState::none};
     std::function<Clock::time_point()> now;
+    Clock::time_point stopDeadline;  ///< for the firmware's answer to the stop; the worker's own
 };
 
 }  // namespace tavoren

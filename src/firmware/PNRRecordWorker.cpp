@@ -1,3 +1,4 @@
+#include <exception>
 #include <string>
 
 #include "common/SmhiException.h"
@@ -9,6 +10,7 @@
 #include "firmware/SyncObject.h"
 #include "frame/Logger.h"
 #include "platform/Platform.h"
+#include "platform/TimeLimits.h"
 
 namespace tavoren {
 
@@ -37,7 +39,10 @@ void PNRRecordPrivate::handleMessage() {
                       "PNRRecordPrivate::WorkerThread - STOP_CMD_ISSUED");
         SendStopRecReq();
         stopState = StopState::requestSent;
+        stopDeadline = now() + leftOverLimit;
     }
+    if (isStopping() && now() >= stopDeadline)
+        throw SmhiException("Failed to stop the recording, timed out");
     Logger::write(LogLevel::insane, workerFunction, __LINE__, "Reading BRAX SMHI message...");
     const ByteString message = transport->Read(maximumMessageSize);
     if (message.empty()) {
@@ -78,14 +83,15 @@ void PNRRecordPrivate::takeBuffer(ByteSpan message) {
 }
 
 void PNRRecordPrivate::takeStopAnswer(const SmhiHeader& header) {
-    workerRunning = false;
     if (header.status == SmhiStatus::success) {
         Logger::write(LogLevel::debug, workerFunction, __LINE__,
                       "PNR session control request ACK\n");
         stopState = StopState::acknowledged;
+        workerRunning = false;
         return;
     }
     stopState = StopState::refused;
+    workerRunning = false;
     Logger::write(LogLevel::error, workerFunction, __LINE__,
                   "PNR session control request ACK error, Stop recording failed status= " +
                       std::to_string(header.status));
@@ -94,11 +100,15 @@ void PNRRecordPrivate::takeStopAnswer(const SmhiHeader& header) {
     notify();
 }
 
-void PNRRecordPrivate::readFailed() {
-    Logger::write(LogLevel::error, workerFunction, __LINE__, "PNR read from FW failed");
+void PNRRecordPrivate::readFailed() noexcept {
     workerRunning = false;
-    notifyCode = NotifyCode::readFailed;
-    notify();
+    try {
+        Logger::write(LogLevel::error, workerFunction, __LINE__, "PNR read from FW failed");
+        notifyCode = NotifyCode::readFailed;
+        notify();
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch)
+        // Out of memory: the stage ends at its own limit.
+    }
 }
 
 /// The bytes of the request, which the log then has.

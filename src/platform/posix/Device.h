@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -9,10 +8,6 @@
 #include "platform/posix/Event.h"
 
 namespace tavoren {
-
-/// Longest time in ms that opening a device and a control call take; shortened by tests.
-inline constexpr DWORD defaultControlLimit = 100000;
-inline std::atomic<DWORD> controlLimit{defaultControlLimit};
 
 /// What a device and its client say to each other, by the first byte of a packet.
 enum class PacketKind : std::uint8_t {

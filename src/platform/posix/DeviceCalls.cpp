@@ -7,6 +7,7 @@
 
 #include "common/Utf8.h"
 #include "platform/posix/Device.h"
+#include "platform/TimeLimits.h"
 
 namespace tavoren {
 
@@ -20,8 +21,8 @@ HANDLE failToOpen(DWORD error) {
 /// A full queue of the device makes `connect` wait; the limit of sending holds for that.
 void limitConnecting(int socket) {
     timeval limit{};
-    limit.tv_sec = controlLimit / 1000;
-    limit.tv_usec = static_cast<suseconds_t>(controlLimit % 1000) * 1000;
+    limit.tv_sec = transferLimit.count() / 1000;
+    limit.tv_usec = static_cast<suseconds_t>(transferLimit.count() % 1000) * 1000;
     ::setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
@@ -90,7 +91,7 @@ BOOL DeviceIoControl(HANDLE handle, DWORD controlCode, const void* input, DWORD 
         request.push_back(static_cast<std::uint8_t>(controlCode >> shift));
     const auto* const bytes = static_cast<const std::uint8_t*>(input);
     request.insert(request.end(), bytes, bytes + inputSize);
-    const Deadline deadline = deadlineIn(controlLimit);
+    const Deadline deadline = deadlineIn(static_cast<DWORD>(transferLimit.count()));
     SendTransfer question(device, PacketKind::control, request);
     ReceiveTransfer answer(device, PacketKind::control,
                            {static_cast<std::uint8_t*>(output), outputSize});
