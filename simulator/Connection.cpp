@@ -50,4 +50,10 @@ void Connection::flush() {
     }
 }
 
+void Connection::shutDown() {
+    ::shutdown(socket, SHUT_RDWR);
+    open = false;
+    waiting.clear();
+}
+
 }  // namespace tavoren::simulator

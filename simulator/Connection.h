@@ -33,6 +33,8 @@ class Connection {
     void send(PacketKind kind, ByteSpan payload);
     /// Sends what waits, as far as the client takes it.
     void flush();
+    /// Ends the connection; what waits is lost.
+    void shutDown();
 
     bool isBound = false;  ///< it has opened the firmware client
 

@@ -12,9 +12,8 @@ namespace tavoren::simulator {
 
 namespace {
 
-constexpr std::array requestNames{"list",  "get-record",   "platform",     "set-record",
-                                  "reset", "get-property", "set-property", "start",
-                                  "stop",  "unknown"};
+constexpr std::array requests{"list",         "get-record",   "platform", "set-record", "reset",
+                              "get-property", "set-property", "start",    "stop",       "unknown"};
 
 enum class Argument { none, request, sensor };
 
@@ -31,6 +30,11 @@ constexpr std::array faultTable{
     FaultRow{"empty", FaultKind::emptyReply, Argument::request, "an answer of no bytes"},
     FaultRow{"no-reply", FaultKind::noReply, Argument::request, "no answer at all"},
     FaultRow{"error", FaultKind::transferError, Argument::request, "the transfer fails"},
+    FaultRow{"error-at", FaultKind::errorAt, Argument::none,
+             "the transfer of answer N since the hub began fails"},
+    FaultRow{"short-at", FaultKind::shortAt, Argument::none, "half of answer N"},
+    FaultRow{"break-at", FaultKind::breakAt, Argument::none,
+             "the connection breaks in place of answer N"},
     FaultRow{"zero-record", FaultKind::zeroRecord, Argument::none,
              "buffers end in a sample of length zero"},
     FaultRow{"long-record", FaultKind::longRecord, Argument::none,
@@ -48,28 +52,35 @@ constexpr std::array faultTable{
              "the session's connection breaks after five seconds of samples"},
     FaultRow{"late-buffers", FaultKind::lateBuffers, Argument::none,
              "more buffers come between the stop and its answer"},
+    FaultRow{"deaf", FaultKind::deaf, Argument::none,
+             "a stop is not heard: buffers go on for ever"},
     FaultRow{"refuse-client", FaultKind::refuseClient, Argument::none,
              "the device refuses to be opened by the tool"},
 };
 
 Request requestOf(const std::string& name) {
-    const auto* const found = std::find(requestNames.begin(), requestNames.end() - 1, name);
-    if (found == requestNames.end() - 1)
+    const auto* const found = std::find(requests.begin(), requests.end() - 1, name);
+    if (found == requests.end() - 1)
         throw std::invalid_argument("unknown request \"" + name + "\" of a fault");
-    return static_cast<Request>(found - requestNames.begin());
+    return static_cast<Request>(found - requests.begin());
 }
 
-std::uint8_t statusOf(const std::string& text) {
+bool takesValue(FaultKind kind) {
+    return kind == FaultKind::status || kind == FaultKind::errorAt || kind == FaultKind::shortAt ||
+           kind == FaultKind::breakAt;
+}
+
+std::uint8_t valueOf(const std::string& text) {
     if (text.empty() || text.size() > 3 || text.find_first_not_of("0123456789") != text.npos ||
         parseInteger(text) < 1 || parseInteger(text) > 255)
-        throw std::invalid_argument("bad status \"" + text + "\" of a fault: 1 to 255 expected");
+        throw std::invalid_argument("bad value \"" + text + "\" of a fault: 1 to 255 expected");
     return static_cast<std::uint8_t>(parseInteger(text));
 }
 
 }  // namespace
 
 std::string requestName(Request request) {
-    return requestNames.at(static_cast<std::size_t>(request));
+    return requests.at(static_cast<std::size_t>(request));
 }
 
 void Faults::add(const std::string& text) {
@@ -93,9 +104,9 @@ void Faults::add(const std::string& text) {
     else if (hasArgument)
         fault.sensor = sensorKind(front.substr(colon + 1)).luid;
     if (equals != std::string::npos) {
-        if (fault.kind != FaultKind::status)
+        if (!takesValue(fault.kind))
             throw std::invalid_argument("fault " + name + " takes no value");
-        fault.status = statusOf(text.substr(equals + 1));
+        fault.value = valueOf(text.substr(equals + 1));
     }
     list.push_back(fault);
 }
@@ -113,20 +124,20 @@ const Fault* Faults::find(FaultKind kind, Request request) const {
     return found == list.end() ? nullptr : &*found;
 }
 
-std::string Faults::help() {
-    std::string text;
+std::vector<HelpRow> Faults::all() {
+    std::vector<HelpRow> rows;
     for (const FaultRow& entry : faultTable) {
         constexpr std::array arguments{"", ":REQUEST", "[:SENSOR]"};
-        std::string name = std::string("    ") + entry.name +
-                           arguments.at(static_cast<std::size_t>(entry.argument)) +
-                           (entry.kind == FaultKind::status ? "[=N]" : "");
-        name.resize(30, ' ');
-        text += name + entry.text + "\n";
+        rows.push_back({std::string(entry.name) +
+                            arguments.at(static_cast<std::size_t>(entry.argument)) +
+                            (takesValue(entry.kind) ? "[=N]" : ""),
+                        entry.text});
     }
-    text += "  REQUEST is one of";
-    for (std::size_t i = 0; i + 1 < requestNames.size(); ++i)
-        text += (i == 0 ? " " : ", ") + std::string(requestNames[i]);
-    return text + "\n";
+    return rows;
+}
+
+std::vector<std::string> Faults::requestNames() {
+    return {requests.begin(), requests.end() - 1};
 }
 
 }  // namespace tavoren::simulator

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/Luid.h"
+#include "simulator/HelpRow.h"
 
 namespace tavoren::simulator {
 
@@ -34,6 +35,10 @@ enum class FaultKind {
     emptyReply,
     noReply,
     transferError,
+    // of the N-th answer since the hub began
+    errorAt,
+    shortAt,
+    breakAt,
     // of a session
     zeroRecord,
     longRecord,
@@ -44,6 +49,7 @@ enum class FaultKind {
     silence,
     disconnect,
     lateBuffers,
+    deaf,
     // of opening the device
     refuseClient,
 };
@@ -51,7 +57,7 @@ enum class FaultKind {
 struct Fault {
     FaultKind kind = FaultKind::status;
     Request request = Request::unknown;  ///< whose reply is spoilt
-    std::uint8_t status = 1;             ///< that `status` answers with
+    std::uint8_t value = 1;              ///< status to answer with, or number of the answer
     std::optional<Luid> sensor;          ///< that stays silent; empty: the last one that reports
 };
 
@@ -65,8 +71,10 @@ class Faults {
     const Fault* find(FaultKind kind, Request request) const;
     bool has(FaultKind kind) const { return find(kind) != nullptr; }
 
-    /// A line for each fault and a list of the requests.
-    static std::string help();
+    /// Every fault with its arguments.
+    static std::vector<HelpRow> all();
+    /// The requests that a fault can name.
+    static std::vector<std::string> requestNames();
 
   private:
     std::vector<Fault> list;

@@ -87,22 +87,31 @@ Request Firmware::requestOf(ByteSpan message) {
 
 Firmware::Answer Firmware::answer(ByteSpan message) {
     const Request request = requestOf(message);
+    if (request == Request::stop && running && options.faults.has(FaultKind::deaf))
+        return {};
     const Fault* const status = options.faults.find(FaultKind::status, request);
     // A stop without a session is refused anyway, and that is no fault.
     const bool isRefused = status && (request != Request::stop || running);
     const std::uint8_t command =
         message.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(message[0] & 0x7FU);
     if (isRefused)
-        return spoilt(request, {bareReply(command, status->status), {}});
+        return spoilt(request, {bareReply(command, status->value), {}});
     return spoilt(request, handle(request, message));
 }
 
-Firmware::Answer Firmware::spoilt(Request request, Handled handled) const {
+Firmware::Answer Firmware::spoilt(Request request, Handled handled) {
+    ++answerCount;
     const auto has = [&](FaultKind kind) { return options.faults.find(kind, request) != nullptr; };
-    Answer answer{std::move(handled.before), has(FaultKind::transferError)};
-    if (answer.fails || has(FaultKind::noReply))
+    const auto isDue = [&](FaultKind kind) {
+        const Fault* const fault = options.faults.find(kind);
+        return fault && fault->value == answerCount;
+    };
+    Answer answer{std::move(handled.before),
+                  has(FaultKind::transferError) || isDue(FaultKind::errorAt),
+                  isDue(FaultKind::breakAt)};
+    if (answer.fails || answer.breaks || has(FaultKind::noReply))
         return answer;
-    if (has(FaultKind::shortReply))
+    if (has(FaultKind::shortReply) || isDue(FaultKind::shortAt))
         handled.reply.resize(handled.reply.size() / 2);
     if (has(FaultKind::emptyReply))
         handled.reply.clear();

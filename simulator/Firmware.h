@@ -12,10 +12,11 @@ namespace tavoren::simulator {
 /// The firmware client: takes requests and answers them, whatever they come over.
 class Firmware {
   public:
-    /// What goes back for one request: nothing, or messages, or a failed transfer.
+    /// What goes back for one request: nothing, or messages, or a failed transfer, or the end.
     struct Answer {
         std::vector<ByteString> messages;
         bool fails = false;
+        bool breaks = false;  ///< the connection ends
     };
 
     /// Loads the records of an earlier run, if the options name a file. Both outlive this object.
@@ -43,7 +44,7 @@ class Firmware {
     std::uint8_t reset();
     std::uint8_t start();
     Handled stop();
-    Answer spoilt(Request request, Handled handled) const;
+    Answer spoilt(Request request, Handled handled);
 
     Device& device;
     const Options& options;
@@ -52,6 +53,7 @@ class Firmware {
     std::optional<Session> running;
     bool abandoned = false;
     std::size_t sessionCount = 0;
+    std::size_t answerCount = 0;
 };
 
 }  // namespace tavoren::simulator

@@ -1,6 +1,7 @@
 #include "simulator/Hub.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -41,7 +42,9 @@ void Hub::run() {
 }
 
 void Hub::waitForWork() {
-    std::vector<pollfd> entries{{entry.descriptor(), POLLIN, 0}};
+    // A negative descriptor is passed over.
+    std::vector<pollfd> entries{{isWaiting ? STDIN_FILENO : -1, POLLIN, 0},
+                                {entry.descriptor(), POLLIN, 0}};
     for (const auto& connection : connections)
         entries.push_back({connection->descriptor(),
                            static_cast<short>(connection->isSending() ? POLLIN | POLLOUT : POLLIN),
@@ -54,7 +57,20 @@ void Hub::waitForWork() {
         limit.tv_sec = left.count() / 1000000000;
         limit.tv_nsec = left.count() % 1000000000;
     }
-    ::ppoll(entries.data(), entries.size(), due ? &limit : nullptr, &stopSignal.openMask());
+    const int ready =
+        ::ppoll(entries.data(), entries.size(), due ? &limit : nullptr, &stopSignal.openMask());
+    if (ready > 0 && entries.front().revents != 0)
+        readOperator();
+}
+
+/// A line, or the end of all input, lets the next movement begin.
+void Hub::readOperator() {
+    char typed = '\n';
+    if (::read(STDIN_FILENO, &typed, 1) == 1 && typed != '\n')
+        return;
+    isWaiting = false;
+    isReleased = true;
+    pace->restart(Pace::Clock::now());
 }
 
 /// Empty while nothing is to be published, or the reader has not taken what was.
@@ -62,6 +78,8 @@ std::optional<Pace::Clock::time_point> Hub::nextPublish() {
     const Session* const session = firmware.session();
     if (!session || !recorder || recorder->isSending())
         return std::nullopt;
+    if (isWaiting)
+        return restDue;
     return pace->due(session->script(), session->seconds(), Pace::Clock::now());
 }
 
@@ -102,10 +120,13 @@ void Hub::answer(Connection& connection, ByteSpan message) {
         sendMessage(connection, reply);
     if (answer.fails)
         fail(connection, generalFailure);
+    if (answer.breaks)
+        connection.shutDown();
     if (firmware.session() && !wasRunning) {
         recorder = &connection;
         pace.emplace(options.speed, std::chrono::milliseconds(options.hold));
         shownMovement = static_cast<std::size_t>(-1);
+        isWaiting = isReleased = false;
     } else if (!firmware.session()) {
         recorder = nullptr;
     }
@@ -115,8 +136,10 @@ void Hub::publish() {
     const auto due = nextPublish();
     if (!due || *due > Pace::Clock::now() || !recorder->isOpen())
         return;
-    showMovement();
-    for (const ByteString& message : firmware.session()->next())
+    if (!isWaiting && pace->movement() != shownMovement)
+        beginMovement();
+    restDue = Pace::Clock::now() + Session::window;
+    for (const ByteString& message : firmware.session()->next(isWaiting))
         sendMessage(*recorder, message);
     if (firmware.session()->isBroken()) {
         show("disconnected");
@@ -140,13 +163,18 @@ void Hub::sendMessage(Connection& connection, ByteSpan message) const {
     connection.send(PacketKind::message, message);
 }
 
-void Hub::showMovement() {
-    if (pace->movement() == shownMovement)
-        return;
-    shownMovement = pace->movement();
+/// Shows the movement that is due, or waits until the operator wants it.
+void Hub::beginMovement() {
     const Script& script = firmware.session()->script();
-    show(shownMovement == script.size() ? "end of the movement"
-                                        : script.movement(shownMovement).text);
+    const std::size_t next = pace->movement();
+    const std::string text =
+        next == script.size() ? "end of the movement" : script.movement(next).text;
+    const bool isRest = next == script.size() || script.movement(next).isRest();
+    isWaiting = options.wait && !isRest && !isReleased;
+    if (!isWaiting)
+        shownMovement = next;
+    isReleased = false;
+    show((isWaiting ? "Press Enter for: " : "") + text);
 }
 
 void Hub::show(const std::string& line) {

@@ -28,9 +28,10 @@ class Hub {
     void openClient(Connection& connection, ByteSpan input) const;
     void answer(Connection& connection, ByteSpan message);
     void publish();
+    void beginMovement();
+    void readOperator();
     void dropClosed();
     void sendMessage(Connection& connection, ByteSpan message) const;
-    void showMovement();
     static void show(const std::string& line);
 
     const Options& options;
@@ -41,6 +42,9 @@ class Hub {
     Connection* recorder = nullptr;  // the connection of the session
     std::optional<Pace> pace;
     std::size_t shownMovement = 0;
+    bool isWaiting = false;  // for the operator, before a movement; the device rests
+    Pace::Clock::time_point restDue;
+    bool isReleased = false;  // by the operator, for the movement to come
 };
 
 }  // namespace tavoren::simulator

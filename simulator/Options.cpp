@@ -1,5 +1,6 @@
 #include "simulator/Options.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <stdexcept>
@@ -147,6 +148,8 @@ constexpr std::array optionTable{
     OptionRow{
         "--hold", "MS", "shortest rest by the clock, at any speed (50)",
         [](Options& o, const std::string& v) { o.hold = wholeNumber<std::uint32_t>(v, 0, 60000); }},
+    OptionRow{"--wait", "", "begins each movement when Enter is pressed",
+              [](Options& o, const std::string&) { o.wait = true; }},
     OptionRow{"--fault", "FAULT", "misbehaves; may stand several times",
               [](Options& o, const std::string& v) { o.faults.add(v); }},
     OptionRow{"--records", "FILE", "keeps the firmware's records in a file",
@@ -167,6 +170,11 @@ const OptionRow& optionOf(const std::string& name) {
         if (entry.name == name)
             return entry;
     throw std::invalid_argument("unknown option \"" + name + "\"");
+}
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(width, text.size()), ' ');
+    return text;
 }
 
 constexpr const char* introduction =
@@ -202,20 +210,33 @@ Options Options::parse(std::span<const std::string> arguments) {
     return options;
 }
 
+std::vector<HelpRow> Options::all() {
+    std::vector<HelpRow> rows;
+    for (const OptionRow& entry : optionTable)
+        rows.push_back(
+            {std::string(entry.name) + (*entry.value ? " " : "") + entry.value, entry.text});
+    return rows;
+}
+
 std::string Options::help() {
     std::string text = introduction;
-    for (const OptionRow& entry : optionTable) {
-        std::string form = std::string("  ") + entry.name + " " + entry.value;
-        form.resize(24, ' ');
-        text += form + entry.text + "\n";
-    }
+    for (const auto& [form, explanation] : all())
+        text += "  " + padded(form, 22) + explanation + "\n";
     text += "\n  Sequences:";
     for (const std::string& name : Script::names())
         text += " " + name;
     text += "\n\n  Sensors:\n";
     for (const SensorKind& kind : sensorKinds())
         text += "    " + std::string(kind.letter) + "\t" + kind.text + "\n";
-    return text + "\n  Faults:\n" + Faults::help() + examples;
+    text += "\n  Faults:\n";
+    for (const auto& [form, explanation] : Faults::all())
+        text += "    " + padded(form, 26) + explanation + "\n";
+    const char* separator = "  REQUEST is one of ";
+    for (const std::string& name : Faults::requestNames()) {
+        text += separator + name;
+        separator = ", ";
+    }
+    return text + "\n" + examples;
 }
 
 }  // namespace tavoren::simulator

@@ -7,6 +7,7 @@
 
 #include "simulator/Device.h"
 #include "simulator/Faults.h"
+#include "simulator/HelpRow.h"
 #include "simulator/Script.h"
 
 namespace tavoren::simulator {
@@ -16,6 +17,8 @@ struct Options {
     /// Throws `std::invalid_argument` with a message for the user.
     static Options parse(std::span<const std::string> arguments);
     static std::string help();
+    /// Every option with the name of its value.
+    static std::vector<HelpRow> all();
 
     DevicePlan device;
     ScriptTiming timing;
@@ -28,6 +31,7 @@ struct Options {
     std::string name = "hub";
     std::string record;  ///< folder for dumps, in place of a hub; empty: none
     std::string truth;   ///< file for the true parameters; empty: none
+    bool wait = false;   ///< for the operator, before each movement
     bool trace = false;
     bool wantsHelp = false;
 };

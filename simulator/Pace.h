@@ -21,6 +21,8 @@ class Pace {
 
     /// When the sample time `time` (seconds) is due. Times must ascend.
     Clock::time_point due(const Script& script, double time, Clock::time_point now);
+    /// What was due by the last call is due at `now` instead.
+    void restart(Clock::time_point now) { beganAt = lastDue = now; }
     /// The movement of the last call.
     std::size_t movement() const { return current; }
 

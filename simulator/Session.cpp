@@ -8,7 +8,6 @@ namespace tavoren::simulator {
 
 namespace {
 
-constexpr std::uint64_t window = 40000;            // microseconds of samples in one go
 constexpr std::uint64_t firstStamp = 3ULL << 32U;  // of a hub that has run for some hours
 constexpr double breakAfter = 5.0;                 // seconds
 constexpr std::size_t longestRecord = 255;
@@ -55,8 +54,9 @@ std::vector<Session::Due> Session::dueUntil(std::uint64_t end) {
     return list;
 }
 
-void Session::append(ByteString& payload, const Due& due) {
-    const Moment moment = played.at(static_cast<double>(due.time) * 1e-6);
+void Session::append(ByteString& payload, const Due& due, bool isHeld) {
+    const double time = isHeld ? seconds() : static_cast<double>(due.time - held) * 1e-6;
+    const Moment moment = played.at(time);
     const std::vector<std::int32_t> values = due.sensor->publish(moment, device.world());
     const std::uint64_t stamp = firstStamp + due.time;
     if (faults.has(FaultKind::unknownSensor))
@@ -74,20 +74,22 @@ ByteString Session::finish(ByteString& payload) const {
     return message;
 }
 
-std::vector<ByteString> Session::next() {
+std::vector<ByteString> Session::next(bool isHeld) {
+    constexpr auto step = static_cast<std::uint64_t>(window.count());
     std::vector<ByteString> messages;
     if (faults.has(FaultKind::foreignMessage))
         messages.push_back(SmhiHeader{.command = foreignCommand}.encode());
     ByteString payload;
-    for (const Due& due : dueUntil(now + window)) {
-        append(payload, due);
+    for (const Due& due : dueUntil(now + step)) {
+        append(payload, due, isHeld);
         if (payload.size() + 2 * longestRecord + SmhiSampleRecord::fixedSize >
             SmhiPublishBuffer::maximumPayload)
             messages.push_back(finish(payload));
     }
     if (!payload.empty())
         messages.push_back(finish(payload));
-    now += window;
+    now += step;
+    held += isHeld ? step : 0;
     return messages;
 }
 

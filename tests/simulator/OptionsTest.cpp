@@ -20,8 +20,8 @@ TEST(HubOptions, SetWhatTheyName) {
     const Options options = parsed(
         "--sequence full,four-steps --sensors a,g2 --seed 7 --errors diagonal --noise 0.5 --field "
         "450 --dip -20 --disturbance 3 --form-factor mid --hinge LEFT --rest 2.5 --turn 4 --levels "
-        "5,900 --interval 20 --speed max --hold 80 --records r --name n --trace --record d --truth "
-        "t --fault status:set-record=5 --fault silent-sensor:G2 --fault late-buffers");
+        "5,900 --interval 20 --speed max --hold 80 --records r --name n --trace --record d --wait --truth "
+        "t --fault status:set-record=5 --fault silent-sensor:G2 --fault late-buffers --fault break-at=40");
     EXPECT_EQ(options.sequences, (std::vector<std::string>{"full", "four-steps"}));
     EXPECT_EQ(Device(options.device).listed(), (std::vector<Luid>{{115, 0, 0, 0, 2}, {118, 0, 0, 1, 2}}));
     EXPECT_EQ(options.device.seed, 7U);
@@ -39,11 +39,12 @@ TEST(HubOptions, SetWhatTheyName) {
     EXPECT_EQ(options.speed, 0.0);
     EXPECT_EQ(options.hold, 80U);
     EXPECT_EQ(options.records + options.name + options.record + options.truth, "rndt");
-    EXPECT_TRUE(options.trace);
-    EXPECT_EQ(options.faults.find(FaultKind::status, Request::setRecord)->status, 5);
+    EXPECT_TRUE(options.trace && options.wait);
+    EXPECT_EQ(options.faults.find(FaultKind::status, Request::setRecord)->value, 5);
     EXPECT_EQ(options.faults.find(FaultKind::status, Request::reset), nullptr);
     EXPECT_EQ(options.faults.find(FaultKind::silentSensor)->sensor, (Luid{118, 0, 0, 1, 2}));
     EXPECT_TRUE(options.faults.has(FaultKind::lateBuffers));
+    EXPECT_EQ(options.faults.find(FaultKind::breakAt)->value, 40);
     EXPECT_EQ(parsed("--speed 30").speed, 30.0);
     EXPECT_EQ(parsed("--speed real").speed, 1.0);
 }
@@ -72,7 +73,7 @@ TEST(HubOptions, RefuseWhatTheyDoNotKnow) {
              Row{"--fault rain", "--fault: unknown fault \"rain\""},
              Row{"--fault status", "--fault: fault status needs a request"},
              Row{"--fault status:x", "--fault: unknown request \"x\" of a fault"},
-             Row{"--fault status:list=0", "--fault: bad status \"0\" of a fault: 1 to 255 expected"},
+             Row{"--fault status:list=0", "--fault: bad value \"0\" of a fault: 1 to 255 expected"},
              Row{"--fault short:list=2", "--fault: fault short takes no value"},
              Row{"--fault silence:list", "--fault: fault silence takes no request"},
          }) {

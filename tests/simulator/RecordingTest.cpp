@@ -31,8 +31,7 @@ TEST_P(Recordings, CalibrateToTheTruth) {
     EXPECT_EQ(run.exitCode, 0) << run.shown;
     const std::string truth = folder.read("truth.txt");
     for (const std::string& sensor : GetParam().sensors)
-        // The ellipsoid's scale is that of a field of 500 milligauss.
-        expectTruth(run.shown, truth, sensor, sensor == "Magnetometer" ? 50.0 : 1.0);
+        expectTruth(run.shown, truth, sensor);
     if (GetParam().name == "Light") {
         const std::size_t at = run.shown.find("Multiplier/Divider: ");
         ASSERT_NE(at, std::string::npos);
