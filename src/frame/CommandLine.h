@@ -38,6 +38,8 @@ class CommandLine {
     /// `CmdLineException` with the text of the first rule that fails.
     void parse(int argc, const char* const* argv);
 
+    /// The options it knows, in the order of the usage text.
+    const std::vector<Option>& options() const { return table; }
     /// Whether the option was given; the case of `name` does not matter.
     bool isSet(std::string_view name) const;
     /// The value of the option with exactly this name; empty if it was not given or takes none.
