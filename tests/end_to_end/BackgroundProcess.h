@@ -1,10 +1,12 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <string>
 #include <thread>
 
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,17 +22,27 @@ class BackgroundProcess {
     BackgroundProcess(const TemporaryFolder& in, const std::string& command, std::string outputFile)
         : folder(in), output(std::move(outputFile)) {
         std::filesystem::remove(folder.path / output);  // that of an earlier process
+        std::array<int, 2> ends{};
+        ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data());
+        keyboard = ends[0];
         id = ::fork();
-        if (id != 0)
+        if (id != 0) {
+            ::close(ends[1]);
             return;
+        }
+        ::dup2(ends[1], STDIN_FILENO);
         const std::string line = "cd \"" + folder.path.string() + "\" && exec " + command + " >" + output + " 2>&1";
         ::execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
         ::_exit(127);
     }
     BackgroundProcess(const BackgroundProcess&) = delete;
     BackgroundProcess& operator=(const BackgroundProcess&) = delete;
-    ~BackgroundProcess() { stop(SIGTERM); }
+    ~BackgroundProcess() {
+        stop(SIGTERM);
+        ::close(keyboard);
+    }
 
+    void pressEnter() const { ::send(keyboard, "\n", 1, MSG_NOSIGNAL); }
     void signal(int number) const { ::kill(id, number); }
     /// The exit code, or minus the number of the signal that ended it.
     int wait() {
@@ -47,7 +59,7 @@ class BackgroundProcess {
     }
     /// Waits until the text was printed `times` times; false if it takes too long.
     bool waitFor(const std::string& text, int times = 1) const {
-        constexpr auto limit = std::chrono::seconds(30);
+        constexpr auto limit = std::chrono::seconds(100);
         const auto end = std::chrono::steady_clock::now() + limit;
         while (std::chrono::steady_clock::now() < end) {
             if (count(text) >= times)
@@ -58,7 +70,7 @@ class BackgroundProcess {
     }
     std::string shown() const { return folder.read(output); }
 
-  private:
+    /// How often the text was printed so far.
     int count(const std::string& text) const {
         const std::string all = shown();
         int found = 0;
@@ -67,8 +79,10 @@ class BackgroundProcess {
         return found;
     }
 
+  private:
     const TemporaryFolder& folder;
     const std::string output;
+    int keyboard = -1;
     pid_t id = -1;
     int status = 0;
     bool ended = false;
@@ -78,7 +92,7 @@ class BackgroundProcess {
 class HubProcess : public BackgroundProcess {
   public:
     HubProcess(const TemporaryFolder& in, const std::string& options)
-        : BackgroundProcess(in, "\"" TAVOREN_HUB "\" --speed max " + options, "hub.txt") {
+        : BackgroundProcess(in, "\"" TAVOREN_HUB "\" --speed max --hold 100 " + options, "hub.txt") {
         waitFor("Serving");
     }
 };

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <map>
+#include <sstream>
 
 #include "end_to_end/BackgroundProcess.h"
 #include "end_to_end/RunProgram.h"
@@ -32,13 +33,12 @@ TEST(LiveRun, CalibratesFlushesAndThenPassesTheTest) {
     const ProgramRun run = runProgram(folder, "-Calibrate AGM -UpdateTVN -ExportAllFiles out -NoEnter 1");
     ASSERT_EQ(run.exitCode, 0) << run.shown;
     const std::string truth = folder.read("truth.txt");
-    const std::vector<std::pair<std::string, double>> sensors{{"Accelerometer", 1.0}, {"Gyroscope", 1.0}, {"Magnetometer", 50.0}};
-    for (const auto& [sensor, unit] : sensors)
-        expectTruth(run.shown, truth, sensor, unit);
+    for (const char* sensor : {"Accelerometer", "Gyroscope", "Magnetometer"})
+        expectTruth(run.shown, truth, sensor);
     const ProgramRun replay = runProgram(folder, "-CalibrateOffline AGM -UseRawData out -ExportAllFiles again");
     EXPECT_EQ(replay.exitCode, 0) << replay.shown;
-    for (const auto& [sensor, unit] : sensors)
-        expectTruth(replay.shown, truth, sensor, unit);
+    for (const char* sensor : {"Accelerometer", "Gyroscope", "Magnetometer"})
+        expectTruth(replay.shown, truth, sensor);
     const ProgramRun after = runProgram(folder, test);
     EXPECT_EQ(after.exitCode, 0) << after.shown;
     EXPECT_TRUE(contains(after.shown, "----   test pass -----\n"));
@@ -50,28 +50,49 @@ struct SequenceRow {
     std::string name;
     std::string hubOptions;
     std::string toolOptions;
+    std::string shown;                 ///< at the end
+    std::vector<std::string> sensors;  ///< whose errors are found
 };
 
 class LiveSequences : public testing::TestWithParam<SequenceRow> {};
 
-TEST_P(LiveSequences, End) {
+TEST_P(LiveSequences, FindWhatTheSensorsWereBuiltAs) {
     const TemporaryFolder folder;
     folder.write("levels.txt", "values=100,500,1000\n");
-    const HubProcess hub(folder, GetParam().hubOptions);
+    const HubProcess hub(folder, GetParam().hubOptions + " --truth truth.txt");
     const ProgramRun run = runProgram(folder, GetParam().toolOptions + " -ExportAllFiles out");
     EXPECT_EQ(run.exitCode, 0) << run.shown << hub.shown();
-    EXPECT_TRUE(contains(hub.shown(), "end of the movement") || contains(hub.shown(), "rest"));
+    EXPECT_TRUE(contains(run.shown, GetParam().shown)) << run.shown;
+    for (const std::string& sensor : GetParam().sensors)
+        expectTruth(run.shown, folder.read("truth.txt"), sensor);
 }
+
+const std::string success = "Calibration process completed successfully\n";
 
 INSTANTIATE_TEST_SUITE_P(
     All, LiveSequences,
-    testing::Values(SequenceRow{"AccelerometerOnly", "--sequence accelerometer", "-Calibrate A -NoEnter 1"},
-                    SequenceRow{"Minimal", "--sequence minimal --errors offset", "-Calibrate AG -Minimal -NoEnter 1"},
-                    SequenceRow{"WithoutAccelerometer", "--sequence full", "-Calibrate GM -NoEnter 1"},
-                    SequenceRow{"CompassTest", "--sequence mag-accuracy --errors none", "-TestCalibration M -MagAccuracyTest"},
-                    SequenceRow{"Light", "--sequence light", "-Calibrate ALS -Auto levels.txt"},
-                    SequenceRow{"LidAndPartners", "--sensors A,G,M,A2,G2,M2,AD,GD,MD,X --form-factor 2IN1 --hinge LEFT",
-                                "-Calibrate AGM -UpdateTVN -NoEnter 1"}),
+    testing::Values(
+        SequenceRow{"AccelerometerOnly", "--sequence accelerometer", "-Calibrate A -NoEnter 1", success, {"Accelerometer"}},
+        SequenceRow{"FourSteps",
+                    "--sequence four-steps --errors diagonal",
+                    "-Calibrate AG -FourSteps -NoEnter 1",
+                    success,
+                    {"Accelerometer", "Gyroscope"}},
+        SequenceRow{"Minimal",
+                    "--sequence minimal --errors offset",
+                    "-Calibrate AG -Minimal -NoEnter 1",
+                    success,
+                    {"Accelerometer", "Gyroscope"}},
+        SequenceRow{
+            "WithoutAccelerometer", "--sequence full", "-Calibrate GM -NoEnter 1", success, {"Gyroscope", "Magnetometer"}},
+        SequenceRow{
+            "CompassTest", "--sequence mag-accuracy --errors none", "-TestCalibration M -MagAccuracyTest", "test pass", {}},
+        SequenceRow{"Light", "--sequence light", "-Calibrate ALS -Auto levels.txt", "Stage 3 multiplier is 1.0058", {}},
+        SequenceRow{"LidAndPartners",
+                    "--sensors A,G,M,A2,G2,M2,AD,GD,MD,X --form-factor 2IN1 --hinge LEFT",
+                    "-Calibrate AGM -UpdateTVN -NoEnter 1",
+                    success,
+                    {"Accelerometer", "Gyroscope", "Magnetometer"}}),
     [](const auto& row) { return row.param.name; });
 
 TEST(LiveRun, WritesWhatItExportedIntoAnotherHub) {
@@ -103,98 +124,191 @@ TEST(LiveRun, JudgesTheMagneticEnvironment) {
                  "Data collected during translation phase in mag environment test is abnormal."},
          }) {
         const TemporaryFolder folder;
-        const HubProcess hub(folder, "--sequence mag-test --hold 100 " + row.hubOptions);
-        const std::string command =
-            "cd \"" + folder.path.string() + "\" && \"" TAVOREN_PROGRAM "\" -MagTest -ExportAllFiles out >console.txt 2>&1";
-        FILE* const keyboard = ::popen(command.c_str(), "w");  // NOLINT(cert-env33-c): own words
-        ASSERT_NE(keyboard, nullptr);
-        for (int rest = 1; rest <= 5; ++rest) {
-            std::fputs("\n", keyboard);
-            std::fflush(keyboard);
-            EXPECT_TRUE(rest == 5 || hub.waitFor("rest\n", rest + 1));
+        // A rest of 30 s is more than the link holds, so that the tool has the movement before it.
+        const HubProcess hub(folder, "--sequence mag-test --rest 30 --wait " + row.hubOptions);
+        BackgroundProcess tool(folder, "\"" TAVOREN_PROGRAM "\" -MagTest -ExportAllFiles out", "console.txt");
+        for (int step = 0; step < 5; ++step) {
+            ASSERT_TRUE(step == 0 || hub.waitFor(step < 4 ? "Press Enter" : "end of the movement", step < 4 ? step + 1 : 1));
+            tool.pressEnter();
+            if (step < 4) {
+                ASSERT_TRUE(step == 0 ? hub.waitFor("Press Enter") : tool.waitFor("PASSED", step));
+                hub.pressEnter();
+            }
         }
-        const int status = ::pclose(keyboard);
-        EXPECT_EQ(WEXITSTATUS(status), row.exitCode) << folder.read("console.txt");
-        EXPECT_TRUE(contains(folder.read("console.txt"), row.shown)) << folder.read("console.txt");
+        EXPECT_EQ(tool.wait(), row.exitCode) << tool.shown();
+        EXPECT_TRUE(contains(tool.shown(), row.shown)) << tool.shown();
     }
 }
 
-TEST(LiveRun, AnInterruptStopsTheFirmwareAndKeepsTheDump) {
+struct InterruptRow {
+    std::string name;
+    std::string hubOptions;
+    std::string toolOptions;
+    std::string hubShows;   ///< before the interrupt
+    std::string toolShows;  ///< before the interrupt
+    bool hasSampled;        ///< then the firmware is told to stop, and a dump is due
+};
+
+class LiveInterrupts : public testing::TestWithParam<InterruptRow> {};
+
+TEST_P(LiveInterrupts, StopTheFirmwareAndKeepTheDump) {
+    const InterruptRow& row = GetParam();
     const TemporaryFolder folder;
-    const HubProcess hub(folder, "--hold 1000 --trace");
-    BackgroundProcess tool(folder,
-                           "\"" TAVOREN_PROGRAM
-                           "\" -Calibrate AG -UpdateTVN -ExportAllFiles out "
-                           "-NoEnter 1",
-                           "console.txt");
-    ASSERT_TRUE(hub.waitFor("turn 360"));
+    const HubProcess hub(folder, "--trace --records records.txt " + row.hubOptions);
+    BackgroundProcess tool(folder, "\"" TAVOREN_PROGRAM "\" " + row.toolOptions + " -ExportAllFiles out", "console.txt");
+    ASSERT_TRUE(tool.waitFor(row.toolShows));
+    if (row.hasSampled)
+        tool.pressEnter();
+    ASSERT_TRUE(hub.waitFor(row.hubShows));
     tool.signal(SIGINT);
     EXPECT_EQ(tool.wait(), interrupted) << tool.shown();
-    EXPECT_TRUE(std::filesystem::exists(folder.path / "out/dataDumpAccelerometer.csv"));
-    EXPECT_TRUE(hub.waitFor("0076000000000002 reporting stop"));
-    EXPECT_FALSE(contains(hub.shown(), "tool: set-record"));
+    EXPECT_TRUE(contains(tool.shown(), "Interrupt signal (2) received.\n")) << tool.shown();
+    EXPECT_TRUE(contains(tool.shown(), "Abort request\n"));
+    const std::string dump = row.toolOptions[1] == 'M' ? "out/dataDumpMagnetometer.csv" : "out/dataDumpAccelerometer.csv";
+    EXPECT_EQ(std::filesystem::exists(folder.path / dump), row.hasSampled);
+    EXPECT_EQ(contains(hub.shown(), "reporting start"), row.hasSampled);
+    EXPECT_TRUE(!row.hasSampled || hub.waitFor("reporting stop"));
+    // A record that was sent is the firmware's, answered or not.
+    EXPECT_EQ(std::filesystem::exists(folder.path / "records.txt"), row.name == "InTheFlush");
     EXPECT_FALSE(contains(hub.shown(), "tool: reset"));
 }
 
-/// What a fault does to a run that calibrates, flushes and resets.
+const std::string calibrate = "-Calibrate AG -FourSteps -UpdateTVN";
+
+INSTANTIATE_TEST_SUITE_P(
+    All, LiveInterrupts,
+    testing::Values(InterruptRow{"AtTheFirstEnter", "", calibrate, "get-record", "Step 1 out of 4", false},
+                    InterruptRow{"BeforeSampling", "", calibrate + " -NoEnter 60000", "get-record", "Step 1 out of 4", false},
+                    InterruptRow{"AtRest", "--wait --sequence four-steps", calibrate, "Press Enter", "Step 1 out of 4", true},
+                    InterruptRow{"InAMovement", "--sequence four-steps --turn 600 --speed 100", calibrate, "turn 90",
+                                 "Step 1 out of 4", true},
+                    InterruptRow{"AtTheEnterOfAStep", "--wait --sequence mag-test", "-MagTest", "Press Enter",
+                                 "Press Enter to signal", true},
+                    InterruptRow{"InTheFlush", "--sequence four-steps --fault no-reply:set-record", calibrate, "set-record",
+                                 "Step 1 out of 4", true}),
+    [](const auto& row) { return row.param.name; });
+
+/// What faults do to a run.
 struct FaultRow {
-    std::string fault;
+    std::string mode;
+    std::string faults;  ///< one or more, separated by blanks, all with the same end
     int exitCode;
     std::string shown;
     bool holdsNew;  ///< the firmware has taken the records
+};
+
+struct Mode {
+    std::string hubOptions;
+    std::string toolOptions;
+};
+const std::map<std::string, Mode> modes{
+    {"calibrate", {"--sequence four-steps", calibrate + " -ExportAllFiles out -NoEnter 1"}},
+    {"light", {"--sequence light", "-Calibrate ALS -Auto levels.txt -UpdateTVN -ExportAllFiles out"}},
+    {"test", {"--sequence four-steps --errors none", "-TestCalibration AG -FourSteps -ExportAllFiles out"}},
+    {"magtest", {"--sequence mag-test", "-MagTest -ExportAllFiles out"}},
+    {"export", {"", "-ExportXml all.xml"}},
+    {"import", {"", "-ImportXml all.xml"}},
 };
 
 class LiveFaults : public testing::TestWithParam<FaultRow> {};
 
 TEST_P(LiveFaults, EndAsTheyShould) {
     const FaultRow& row = GetParam();
-    const TemporaryFolder folder;
-    HubProcess hub(folder, "--sequence four-steps --records records.txt --fault " + row.fault);
-    const ProgramRun run = runProgram(folder, "-Calibrate AG -FourSteps -UpdateTVN -ExportAllFiles out -NoEnter 1");
-    EXPECT_EQ(run.exitCode, row.exitCode) << run.shown;
-    EXPECT_TRUE(contains(run.shown, row.shown)) << run.shown;
-    EXPECT_EQ(std::filesystem::exists(folder.path / "records.txt"), row.holdsNew);
-    const bool flushed = contains(run.shown, "Saving calibration data to FW\n");
-    EXPECT_EQ(std::filesystem::exists(folder.path / "out/resultCalibration.xml"), flushed);
-    EXPECT_EQ(hub.stop(SIGTERM), 0);
+    const Mode& mode = modes.at(row.mode);
+    std::istringstream faults(row.faults);
+    for (std::string fault; faults >> fault;) {
+        const TemporaryFolder folder;
+        folder.write("levels.txt", "values=100,500,1000\n");
+        if (row.mode == "import") {
+            const HubProcess other(folder, "");
+            ASSERT_EQ(runProgram(folder, "-ExportXml all.xml").exitCode, 0);
+        }
+        HubProcess hub(folder, mode.hubOptions + " --records records.txt --fault " + fault);
+        const bool isSilent =
+            fault[0] == 'n' || fault == "silence" || fault == "deaf" || row.mode + fault == "lightsilent-sensor";
+        const ProgramRun run = runProgram(folder, mode.toolOptions, isSilent ? TAVOREN_IMPATIENT : TAVOREN_PROGRAM);
+        EXPECT_EQ(run.exitCode, row.exitCode) << fault << run.shown;
+        EXPECT_TRUE(contains(run.shown, row.shown)) << fault << run.shown;
+        EXPECT_EQ(std::filesystem::exists(folder.path / "records.txt"), row.holdsNew) << fault;
+        const bool flushed = contains(run.shown, "Saving calibration data to FW\n") && row.mode != "import";
+        EXPECT_EQ(std::filesystem::exists(folder.path / "out/resultCalibration.xml"), flushed) << fault;
+        EXPECT_EQ(hub.stop(SIGTERM), 0) << fault;
+    }
 }
 
 void PrintTo(const SequenceRow& row, std::ostream* out) {
     *out << row.name;
 }
+void PrintTo(const InterruptRow& row, std::ostream* out) {
+    *out << row.name;
+}
 void PrintTo(const FaultRow& row, std::ostream* out) {
-    *out << row.fault;
+    *out << row.mode << " " << row.faults;
 }
 
-const std::string success = "Calibration process completed successfully\n";
 const std::string link = "SMHI Error: ";
+
+const std::string pnr = "Failed to start PNRRecord\n";
+const std::string timeout = link + "Failed to read from device, timed out\n";
+const std::string refusedList = link + "Enumerate sensors command failed\n";
+const std::string refusedRecord = link + "Set calibration data command failed\n";
+const std::string refusedReset = link + "Reset TVN command failed\n";
+const std::string noSamples = "DATA COLLECTION FAILED\n Failed to get samples from FW\n";
+const std::string noMovement =
+    "DATA COLLECTION FAILED\n Timeout, failed to get stable samples or to detect motion of the required sensors\n";
+const std::string completed = "Completed successfully\n";
+constexpr int failed = reportedFailure;
 
 INSTANTIATE_TEST_SUITE_P(
     All, LiveFaults,
-    testing::Values(FaultRow{"refuse-client", reportedFailure, link + "Failed to connect to client\n", false},
-                    FaultRow{"status:list", reportedFailure, link + "Enumerate sensors command failed\n", false},
-                    FaultRow{"short:list", reportedFailure, link + "Enumerate sensors command failed\n", false},
-                    FaultRow{"empty:list", reportedFailure, link + "Enumerate sensors command failed\n", false},
-                    FaultRow{"error:list", reportedFailure, link + "Failed to read from device, timed out\n", false},
-                    FaultRow{"status:set-property", reportedFailure, "Failed to sample sensor Accelerometer\n", false},
-                    FaultRow{"short:set-property", reportedFailure, "Failed to sample sensor Accelerometer\n", false},
-                    FaultRow{"status:start", reportedFailure, "Failed to start PNRRecord\n", false},
-                    FaultRow{"error:start", reportedFailure, "Failed to start sampling\n", false},
-                    FaultRow{"silent-sensor", reportedFailure, "Too long time waiting for all sensors data to be ready.\n",
-                             false},
-                    FaultRow{"disconnect", reportedFailure, "DATA COLLECTION FAILED\n Failed to get samples from FW\n", false},
-                    FaultRow{"left-over", 0, success, true}, FaultRow{"late-buffers", 0, success, true},
-                    FaultRow{"zero-record", 0, success, true}, FaultRow{"long-record", 0, success, true},
-                    FaultRow{"unknown-sensor", 0, success, true}, FaultRow{"foreign-message", 0, success, true},
-                    FaultRow{"status:stop", 0, success, true},
-                    FaultRow{"status:set-record=5", reportedFailure,
-                             link + "Set calibration data command failed due to invalid parameter\n", false},
-                    FaultRow{"status:set-record=7", reportedFailure, link + "Set calibration data command failed\n", false},
-                    FaultRow{"status:reset", reportedFailure, link + "Reset TVN command failed\n", true},
-                    FaultRow{"short:reset", reportedFailure, link + "Reset TVN command failed\n", true}),
+    testing::Values(
+        // Whoever asks for the sensors
+        FaultRow{"calibrate", "refuse-client", failed, link + "Failed to connect to client\n", false},
+        FaultRow{"calibrate", "status:list short:list empty:list", failed, refusedList, false},
+        FaultRow{"calibrate", "error:list no-reply:list", failed, timeout, false},
+        FaultRow{"test", "status:list", failed, refusedList, false},
+        FaultRow{"magtest", "short:list", failed, refusedList, false},
+        FaultRow{"light", "empty:list", failed, refusedList, false},
+        FaultRow{"export", "status:list", failed, refusedList, false},
+        FaultRow{"export", "no-reply:list", failed, timeout, false}, FaultRow{"import", "short:list", failed, refusedList, false},
+        // Records and the platform's form
+        FaultRow{"calibrate", "status:get-record empty:platform no-reply:platform", 0, success, true},
+        FaultRow{"light", "short:get-record", failed, "No calibration entry exists for AmbientLight.", false},
+        FaultRow{"light", "status:get-property empty:get-property", 0, "failed to get minimal reporting interval", true},
+        FaultRow{"export", "status:get-record error:platform", 0, completed, false},
+        FaultRow{"import", "short:get-record", failed, link + "Get calibration data command failed\n", false},
+        FaultRow{"import", "status:platform", failed, link + "Set PDT command  failed, status: 1\n", false},
+        FaultRow{"import", "empty:platform", failed, link + "Set PDT command  failed, status: 0\n", false},
+        // Start and stop
+        FaultRow{"calibrate", "status:set-property short:set-property no-reply:set-property", failed,
+                 "Failed to sample sensor Accelerometer\n", false},
+        FaultRow{"light", "error:set-property", failed, "Failed to sample sensor AmbientLightSensor\n", false},
+        FaultRow{"calibrate", "status:start short:start empty:stop", failed, pnr, false},
+        FaultRow{"calibrate", "error:start error:stop", failed, "Failed to start sampling\n", false},
+        FaultRow{"test", "empty:start", failed, pnr, false}, FaultRow{"light", "short:stop", failed, pnr, false},
+        FaultRow{"calibrate", "no-reply:start status:stop deaf left-over late-buffers", 0, success, true},
+        FaultRow{"test", "status:stop left-over late-buffers", 0, completed, false},
+        // Samples
+        FaultRow{"calibrate", "disconnect", failed, noSamples, false}, FaultRow{"test", "disconnect", failed, noSamples, false},
+        FaultRow{"light", "disconnect", failed, noSamples, false}, FaultRow{"calibrate", "silence", failed, noMovement, false},
+        FaultRow{"light", "silent-sensor", failed, noMovement, false},
+        FaultRow{"calibrate", "silent-sensor", failed, "Too long time waiting for all sensors data to be ready.\n", false},
+        FaultRow{"calibrate", "zero-record long-record unknown-sensor foreign-message", 0, success, true},
+        FaultRow{"test", "zero-record long-record unknown-sensor foreign-message", 0, completed, false},
+        FaultRow{"light", "zero-record long-record unknown-sensor foreign-message", 0, success, true},
+        // The flush
+        FaultRow{"calibrate", "status:set-record=5", failed,
+                 link + "Set calibration data command failed due to invalid parameter\n", false},
+        FaultRow{"calibrate", "status:set-record=7", failed, refusedRecord, false},
+        FaultRow{"calibrate", "no-reply:set-record", failed, timeout, true},
+        FaultRow{"calibrate", "status:reset short:reset", failed, refusedReset, true},
+        FaultRow{"light", "empty:set-record", failed, refusedRecord, true},
+        FaultRow{"light", "no-reply:reset", failed, timeout, true},
+        FaultRow{"import", "status:set-record", failed, refusedRecord, false},
+        FaultRow{"import", "empty:reset", failed, refusedReset, true}),
     [](const auto& row) {
-        std::string name;
-        for (const char c : row.param.fault)
+        std::string name = row.param.mode;
+        for (const char c : row.param.faults)
             if (std::isalnum(static_cast<unsigned char>(c)) != 0)
                 name += c;
         return name;

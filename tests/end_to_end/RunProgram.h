@@ -30,9 +30,10 @@ inline std::string withoutRunTimes(const std::string& text) {
 }
 
 /// Runs the real program in `folder` without a keyboard. Arguments are a shell's words.
-inline ProgramRun runProgram(const TemporaryFolder& folder, const std::string& arguments) {
-    const std::string command =
-        "cd \"" + folder.path.string() + "\" && \"" TAVOREN_PROGRAM "\" " + arguments + " >console.txt 2>&1 </dev/null";
+inline ProgramRun runProgram(const TemporaryFolder& folder, const std::string& arguments,
+                             const std::string& program = TAVOREN_PROGRAM, const std::string& environment = "") {
+    const std::string command = "cd \"" + folder.path.string() + "\" && " + environment + "\"" + program + "\" " + arguments +
+                                " >console.txt 2>&1 </dev/null";
     const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): the test's own words
     ProgramRun run;
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -status;
