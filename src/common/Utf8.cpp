@@ -42,15 +42,15 @@ void appendUtf8(std::string& bytes, char32_t c) {
     }
 }
 
-/// The code point at `at`, which moves behind it; surrogates and numbers beyond the last code point
-/// come out as they stand.
+/// The code point at `at`, which moves behind it; lone surrogates and numbers beyond the last code
+/// point come out as they stand. Pairs count as one everywhere: numeric references can give them.
 char32_t nextCodePoint(std::wstring_view text, std::size_t& at) {
     const auto unit = [text](std::size_t i) {
         const auto c = static_cast<char32_t>(text[i]);
         return wideIs16Bits ? c & 0xFFFF : c;
     };
     const char32_t c = unit(at++);
-    if (wideIs16Bits && c >= 0xD800 && c <= 0xDBFF && at < text.size()) {
+    if (c >= 0xD800 && c <= 0xDBFF && at < text.size()) {
         const char32_t low = unit(at);
         if (low >= 0xDC00 && low <= 0xDFFF) {
             ++at;

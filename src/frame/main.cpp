@@ -6,6 +6,7 @@
 
 #include "common/CalibrationException.h"
 #include "common/CmdLineException.h"
+#include "common/GuardedBy.h"
 #include "common/SmhiException.h"
 #include "common/Version.h"
 #include "control/CalibrationManager.h"
@@ -15,6 +16,7 @@
 #include "frame/Logger.h"
 #include "platform/Interrupt.h"
 #include "platform/Platform.h"
+#include "platform/StandardStreams.h"
 
 namespace tavoren {
 
@@ -24,7 +26,8 @@ constexpr int success = 0;
 constexpr int failure = -1;
 
 std::mutex theManagerLock;
-std::shared_ptr<CalibrationManager> theManager;  // the interrupt's only way to the run
+std::shared_ptr<CalibrationManager> theManager
+    TAVOREN_GUARDED_BY(theManagerLock);  // the interrupt's only way to the run
 
 std::shared_ptr<CalibrationManager> liveManager() {
     const std::scoped_lock lock(theManagerLock);
@@ -36,12 +39,27 @@ void setManager(std::shared_ptr<CalibrationManager> manager) {
     theManager = std::move(manager);
 }
 
+/// The console shows the tool's text, which is UTF-8; `restore` gives back what it was set to.
+class ConsoleEncoding {
+  public:
+    ConsoleEncoding() { SetConsoleOutputCP(CP_UTF8); }
+    ~ConsoleEncoding() { restore(); }
+    ConsoleEncoding(const ConsoleEncoding&) = delete;
+    ConsoleEncoding& operator=(const ConsoleEncoding&) = delete;
+
+    static void restore() { SetConsoleOutputCP(before); }
+
+  private:
+    static inline const auto before = GetConsoleOutputCP();
+};
+
 /// Answers Ctrl-C; the process ends when it returns.
 void onInterrupt(int signal) {
     Console::print("Interrupt signal (" + std::to_string(signal) + ") received.\n");
     if (const auto manager = liveManager())
         manager->abort();
     Console::printLine("Abort request");
+    ConsoleEncoding::restore();
 }
 
 /// Libraries come from the system's own folder alone.
@@ -99,8 +117,10 @@ int runAndReport(CommandLine& commandLine, int argc, const char* const* argv) {
 }  // namespace tavoren
 
 int main(int argc, char** argv) {
+    tavoren::fillStandardStreams();
     tavoren::restrictLibraryLoading();
     tavoren::installInterruptHandler(tavoren::onInterrupt);
+    const tavoren::ConsoleEncoding encoding;
     tavoren::CommandLine commandLine;
     return tavoren::runAndReport(commandLine, argc, argv);
 }

@@ -36,13 +36,6 @@ std::string temporaryName() {
 
 }  // namespace
 
-std::filesystem::path nativePath(std::string_view path) {
-    std::string native(path);
-    if (!backslashIsNative)
-        std::replace(native.begin(), native.end(), '\\', '/');
-    return native;
-}
-
 bool isRegularFile(std::string_view path) {
     std::error_code error;
     return std::filesystem::is_regular_file(nativePath(path), error);
@@ -72,15 +65,17 @@ std::size_t FileReader::read(std::span<char> into) {
     return count.value_or(0);
 }
 
-std::optional<std::string> readFile(std::string_view path) {
+std::optional<std::string> readFile(std::string_view path, std::uint64_t largest) {
     FileReader reader(path);
-    if (!reader.isOpen())
+    if (!reader.isOpen() || reader.size() > largest)
         return std::nullopt;
     // The size is a hint: the file may have grown, and some report none at all.
     std::string content(static_cast<std::size_t>(reader.size()) + 1, '\0');
     std::size_t length = 0;
     while (const std::size_t count = reader.read(std::span(content).subspan(length))) {
         length += count;
+        if (length > largest)
+            return std::nullopt;
         if (length == content.size())
             content.resize(length + pieceSize);
     }
@@ -114,7 +109,7 @@ void FileReplacement::open() {
     std::error_code error;
     const auto old = std::filesystem::status(target, error);
     if (std::filesystem::exists(old))
-        std::filesystem::permissions(temporary, old.permissions(), error);
+        file.setRights(old.permissions());
 }
 
 bool FileReplacement::write(std::string_view bytes) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -30,8 +31,10 @@ bool isDirectory(std::string_view path);
 /// Makes a folder with its parents, without any shell; true also if it was there.
 bool makeDirectoryTree(std::string_view path);
 
-/// All bytes of a regular file; empty for anything that cannot be read as one.
-std::optional<std::string> readFile(std::string_view path);
+/// All bytes of a regular file; empty for anything that cannot be read as one and for a file of
+/// more than `largest` bytes.
+std::optional<std::string> readFile(
+    std::string_view path, std::uint64_t largest = std::numeric_limits<std::uint64_t>::max());
 
 /// Reads a regular file in pieces. Anything else (folder, device, pipe) does not open.
 class FileReader {

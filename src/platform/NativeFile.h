@@ -26,6 +26,8 @@ class NativeFile {
 
     bool isOpen() const { return descriptor >= 0; }
     std::uint64_t size() const;
+    /// Gives the open file itself these rights, whatever its name has come to stand for.
+    void setRights(std::filesystem::perms rights);
     /// Bytes read, 0 at the end, empty on a failure.
     std::optional<std::size_t> read(std::span<char> into);
     /// Writes all bytes or fails.

@@ -115,6 +115,7 @@ inline constexpr DWORD FILE_FLAG_OVERLAPPED = 0x40000000;
 inline constexpr DWORD LOAD_LIBRARY_SEARCH_SYSTEM32 = 0x800;
 inline constexpr DWORD STD_OUTPUT_HANDLE = 0xFFFFFFF5;
 inline constexpr DWORD TOKEN_QUERY = 0x0008;
+inline constexpr DWORD CP_UTF8 = 65001;
 
 /// Code of the last failed call of this thread.
 DWORD GetLastError();
@@ -136,6 +137,10 @@ BOOL GetConsoleScreenBufferInfo(HANDLE consoleOutput, CONSOLE_SCREEN_BUFFER_INFO
 /// 10 is bright green, 12 bright red, any other attribute the terminal's own colour. Nothing is
 /// written unless standard output is a terminal.
 BOOL SetConsoleTextAttribute(HANDLE consoleOutput, WORD attributes);
+
+/// A terminal always takes UTF-8: CP_UTF8, and TRUE without effect.
+DWORD GetConsoleOutputCP();
+BOOL SetConsoleOutputCP(DWORD codePage);
 
 HANDLE GetCurrentProcess();
 BOOL OpenProcessToken(HANDLE process, DWORD desiredAccess, HANDLE* token);

@@ -87,6 +87,7 @@ TEST(Utf8, TakesTextThereAndBack) {
     ASSERT_TRUE(bytes);
     EXPECT_EQ(bytes->size(), 2U + 2 * 2 + 4 * 3 + 2 * 4);
     EXPECT_EQ(fromUtf8(*bytes), text);
+    EXPECT_EQ(toUtf8(std::wstring{wchar_t{0xD83D}, wchar_t{0xDE00}}), "\xF0\x9F\x98\x80");
     const std::wstring lone{L'x', wchar_t{0xD800}, L'y'};
     EXPECT_EQ(toUtf8(lone), std::nullopt);
     EXPECT_EQ(toUtf8Lossy(lone), "x\xEF\xBF\xBDy");

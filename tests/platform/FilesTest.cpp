@@ -102,6 +102,8 @@ TEST_F(FilesTest, ReaderGivesAllBytesInPieces) {
     EXPECT_EQ(reader.read(piece), 0U);
     EXPECT_FALSE(reader.hasFailed());
     EXPECT_EQ(readFile(path), bytes);
+    EXPECT_EQ(readFile(path, 6), bytes);
+    EXPECT_EQ(readFile(path, 5), std::nullopt);
 }
 
 TEST_F(FilesTest, DirectoryCallTellsWhyItFailed) {

@@ -25,11 +25,11 @@ bool Event::wait(Deadline deadline) {
             return false;
         set();
     }
-    std::unique_lock hold(lock);
-    const auto signalled = [this] { return isSet; };
+    const std::scoped_lock hold(lock);
+    const auto signalled = [this]() TAVOREN_REQUIRES(lock) { return isSet; };
     if (deadline == Deadline::max())
-        condition.wait(hold, signalled);
-    else if (!condition.wait_until(hold, deadline, signalled))
+        condition.wait(lock, signalled);
+    else if (!condition.wait_until(lock, deadline, signalled))
         return false;
     isSet = manualReset;
     return true;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 
+#include "common/GuardedBy.h"
 #include "platform/posix/SystemObject.h"
 
 namespace tavoren {
@@ -43,8 +44,8 @@ struct Event final : SystemObject {
 
   private:
     std::mutex lock;
-    std::condition_variable condition;
-    bool isSet;  ///< guarded by `lock`
+    std::condition_variable_any condition;
+    bool isSet TAVOREN_GUARDED_BY(lock);
 };
 
 }  // namespace tavoren

@@ -30,6 +30,10 @@ std::uint64_t NativeFile::size() const {
     return fstat(descriptor, &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
+void NativeFile::setRights(std::filesystem::perms rights) {
+    fchmod(descriptor, static_cast<mode_t>(rights & std::filesystem::perms::all));
+}
+
 std::optional<std::size_t> NativeFile::read(std::span<char> into) {
     ssize_t count = 0;
     do {

@@ -4,6 +4,7 @@
 #include <map>
 #include <mutex>
 
+#include "common/GuardedBy.h"
 #include "common/NeverDestroyed.h"
 
 namespace tavoren {
@@ -14,7 +15,7 @@ thread_local DWORD lastError = 0;
 
 struct OpenObjects {
     std::mutex lock;
-    std::map<HANDLE, std::shared_ptr<SystemObject>> byHandle;
+    std::map<HANDLE, std::shared_ptr<SystemObject>> byHandle TAVOREN_GUARDED_BY(lock);
 };
 
 OpenObjects& openObjects() {

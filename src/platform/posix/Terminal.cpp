@@ -51,4 +51,12 @@ BOOL SetConsoleTextAttribute(HANDLE consoleOutput, WORD attributes) {
     return TRUE;
 }
 
+DWORD GetConsoleOutputCP() {
+    return CP_UTF8;
+}
+
+BOOL SetConsoleOutputCP(DWORD) {
+    return TRUE;
+}
+
 }  // namespace tavoren

@@ -42,6 +42,9 @@ std::uint64_t NativeFile::size() const {
     return length < 0 ? 0 : static_cast<std::uint64_t>(length);
 }
 
+/// A new file has the rights of its folder, and may be written as the old one.
+void NativeFile::setRights(std::filesystem::perms /*rights*/) {}
+
 std::optional<std::size_t> NativeFile::read(std::span<char> into) {
     const auto wanted = static_cast<unsigned>(std::min(into.size(), largestPiece));
     const int count = _read(descriptor, into.data(), wanted);
