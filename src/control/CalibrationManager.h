@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "common/GuardedBy.h"
 #include "common/RunMode.h"
 #include "common/SequenceKind.h"
 #include "control/CollectionStatus.h"
@@ -142,8 +143,8 @@ class CalibrationManager {
     /// Set under `statusLock` by sampling, under `dumpLock` by the dump writers; read without
     /// either.
     std::atomic<CollectionStatus> status{CollectionStatus::neverStarted};
-    std::mutex statusLock;
-    std::mutex dumpLock;  ///< around the writing of a dump; inside `statusLock` when both are held
+    std::mutex statusLock TAVOREN_ACQUIRED_BEFORE(dumpLock);
+    std::mutex dumpLock;  ///< around the writing of a dump
     bool wantAccelerometer = false;
     bool wantGyroscope = false;
     bool wantMagnetometer = false;

@@ -11,9 +11,10 @@
 #include <string_view>
 #include <vector>
 
+#include "common/GuardedBy.h"
 #include "firmware/SampleReceiver.h"
-#include "sensors/SensorDataMap.h"
 #include "platform/TimeLimits.h"
+#include "sensors/SensorDataMap.h"
 #include "sensors/SensorRun.h"
 
 namespace tavoren {
@@ -70,6 +71,8 @@ class SensorManager final : public SensorRun, public SampleReceiver {
 
     /// How long a step may take; shortened by tests.
     std::chrono::milliseconds stageTimeLimit = stageLimit;
+    /// Live samples kept of one sensor: over an hour at 1 ms. Lowered by tests.
+    std::size_t mostSamples = std::size_t{1} << 22;
 
     std::vector<std::shared_ptr<Sensor>> sensors;
     std::map<std::string, std::shared_ptr<Sensor>> sensorsByLuid;
@@ -84,25 +87,26 @@ class SensorManager final : public SensorRun, public SampleReceiver {
     bool stopRecording();
     void stepFinished();
     bool takeStepReady(const Sensor& sensor);
-    void waitForWorker(std::unique_lock<std::mutex>& lock);
+    void waitForWorker() TAVOREN_REQUIRES(stageLock);
     void endStepByUser(bool lastRotation);
     std::size_t storedSamples(const std::shared_ptr<Sensor>& sensor) const;
     void checkMovement(Sensor& indicator);
     void playSample(const std::shared_ptr<Sensor>& chosen, const SensorSample& sample,
                     bool& aborted);
 
-    SensorDataMap rawData_;
+    SensorDataMap rawData_ TAVOREN_GUARDED_BY(dataLock);
     SensorDataMap calibratedData_;
-    std::condition_variable stageCondition;
-    std::mutex stageLock;         ///< over `stageFinished`, `stageSuccess` and `failureText`
-    mutable std::mutex dataLock;  ///< over `rawData_`, the sensors' buffers and the process
-    bool stageSuccess = false;
+    std::condition_variable_any stageCondition;
+    std::mutex stageLock;         ///< over the process-wide `stageFinished` as well
+    mutable std::mutex dataLock;  ///< over the sensors' buffers and the process as well
+    bool stageSuccess TAVOREN_GUARDED_BY(stageLock) = false;
     bool stopped = false;                    ///< the last step has ended
     std::vector<std::int32_t> stageIndices;  ///< samples at the end of each operator-ended step
     std::shared_ptr<Process> process;
     double baseTime = 0.0;             ///< ms, the origin of the stored times
     std::uint32_t reportInterval = 0;  ///< ms
-    std::string failureText;           ///< what a failed stage raises, until it is raised
+    /// What a failed stage raises, until it is raised.
+    std::string failureText TAVOREN_GUARDED_BY(stageLock);
     std::map<std::string, FailureKind> failures;
     bool allReady = false;  ///< every sensor has delivered a sample
     bool baseTimeSet = false;

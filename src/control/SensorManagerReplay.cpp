@@ -73,13 +73,15 @@ void SensorManager::loadDump(std::string_view folder, std::string_view prefix, b
     std::string basePath(folder);
     if (!prefix.empty())
         basePath += "\\" + std::string(prefix);
+    const std::lock_guard lock(dataLock);
     rawData_ = CsvParser().readFromFile(basePath, sensors, offline);
     for (const auto& [sensor, samples] : rawData_)
         sensor->bufferedData = SampleBuffer::startOf(samples);
 }
 
 void SensorManager::playData() {
-    Merge merge(sensors, rawData_);
+    const SensorDataMap recording = rawData();
+    Merge merge(sensors, recording);
     bool aborted = false;
     while (!stopped && !aborted) {
         const auto [sensor, sample] = merge.next();
@@ -115,6 +117,7 @@ void SensorManager::playSample(const std::shared_ptr<Sensor>& chosen, const Sens
     if (!takeStepReady(*chosen))
         return;
     stepFinished();
+    const std::lock_guard lock(stageLock);
     if (!stageSuccess)
         throw CalibrationException("Unexpected error occurred");
 }

@@ -196,7 +196,12 @@ void SensorManager::handleData(const std::shared_ptr<Sensor>& sensor, double tim
 
 void SensorManager::takeSample(const std::shared_ptr<Sensor>& sensor, const SensorSample& sample) {
     const std::lock_guard lock(dataLock);
-    rawData_[sensor].append(sample);
+    SampleBuffer& stored = rawData_[sensor];
+    if (stored.size() >= mostSamples)
+        return;
+    stored.append(sample);
+    if (stored.size() == mostSamples)
+        throw CalibrationException("Too many samples from sensor " + sensor->displayName());
     if (sensor->dataRecieved(sample) && process->isStageIndicator(*sensor))
         process->onSample(sample);
 }
@@ -245,9 +250,9 @@ void SensorManager::endStage(bool status, const std::string& text) {
 void SensorManager::waitForStepFinish(bool lastRotation) {
     if (process->endsByUser())
         endStepByUser(lastRotation);
-    std::unique_lock lock(stageLock);
+    const std::lock_guard lock(stageLock);
     if (!process->endsByUser())
-        waitForWorker(lock);
+        waitForWorker();
     stageFinished = false;  // in the hold that saw it: the worker may be ending the next step
     if (stageSuccess)
         return;
@@ -256,9 +261,9 @@ void SensorManager::waitForStepFinish(bool lastRotation) {
     throw CalibrationException(std::exchange(failureText, {}));
 }
 
-void SensorManager::waitForWorker(std::unique_lock<std::mutex>& lock) {
+void SensorManager::waitForWorker() {
     const auto deadline = std::chrono::steady_clock::now() + stageTimeLimit;
-    if (stageCondition.wait_until(lock, deadline, [] { return stageFinished; }))
+    if (stageCondition.wait_until(stageLock, deadline, [] { return stageFinished; }))
         return;
     Logger::write(LogLevel::debug, "SensorManager::waitForStepFinish", __LINE__,
                   "finish to wait mutex, timeout");

@@ -17,27 +17,27 @@ void Logger::addEntry(Action action) noexcept {
     try {
         Logger& logger = instance();
         const std::scoped_lock lock(logger.logLock);
-        action(logger);
+        action(logger.memoryLog);
     } catch (const std::exception&) {  // no caller fails because of its log
     }
 }
 
 void Logger::write(LogLevel level, std::string_view function, std::uint32_t line,
                    std::string_view message) noexcept {
-    addEntry([=](Logger& logger) {
-        if (level <= logger.consoleLevel)
+    addEntry([=](MemoryLog& log) {
+        if (level <= consoleLevel)
             Console::printLine("[" + std::string(logLevelText(level)) +
                                "]: " + std::string(message));
-        logger.memoryLog.append(level, function, line, message);
+        log.append(level, function, line, message);
     });
 }
 
 void Logger::open(const Trace& trace) noexcept {
-    addEntry([&trace](Logger& logger) { logger.memoryLog.open(trace); });
+    addEntry([&trace](MemoryLog& log) { log.open(trace); });
 }
 
 void Logger::close(const Trace& trace) noexcept {
-    addEntry([&trace](Logger& logger) { logger.memoryLog.close(trace); });
+    addEntry([&trace](MemoryLog& log) { log.close(trace); });
 }
 
 void Logger::setLogFile(std::string_view folder) {
@@ -52,6 +52,12 @@ void Logger::saveToFile() {
     if (!logger.save())
         Console::printLine(std::string("Caught saving logfile: ") +
                            std::ios_base::failure("basic_ios::clear").what());
+}
+
+void Logger::clear() {
+    Logger& logger = instance();
+    const std::scoped_lock lock(logger.logLock);
+    logger.memoryLog = MemoryLog();
 }
 
 bool Logger::save() const {

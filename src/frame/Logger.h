@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "common/GuardedBy.h"
 #include "common/NeverDestroyed.h"
 #include "frame/LogLevel.h"
 #include "frame/MemoryLog.h"
@@ -25,6 +26,8 @@ class Logger {
     static void setLogFile(std::string_view folder);
     /// Writes everything logged so far; a failure is told on the console and nowhere else.
     static void saveToFile();
+    /// Forgets everything logged so far; for programs that make many runs in one process.
+    static void clear();
 
   private:
     friend class LogScope;
@@ -37,12 +40,13 @@ class Logger {
     template <typename Action>
     static void addEntry(Action action) noexcept;
 
-    bool save() const;
+    bool save() const TAVOREN_REQUIRES(logLock);
 
-    std::mutex logLock;  ///< over everything below
-    const LogLevel consoleLevel = LogLevel::error;
-    MemoryLog memoryLog;
-    std::string logFilePath;
+    static constexpr LogLevel consoleLevel = LogLevel::error;
+
+    std::mutex logLock;
+    MemoryLog memoryLog TAVOREN_GUARDED_BY(logLock);
+    std::string logFilePath TAVOREN_GUARDED_BY(logLock);
 };
 
 }  // namespace tavoren

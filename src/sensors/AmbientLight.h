@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "common/GuardedBy.h"
 #include "sensors/Sensor.h"
 
 namespace tavoren {
@@ -63,13 +64,15 @@ class AmbientLight final : public Sensor {
     double reverseScale = 1.0;              ///< undoes the firmware's factor
     double divider = 0.0;                   ///< result
     std::vector<std::int32_t> lightLevels;  ///< lux, one per stage
-    bool newInput = false;                  ///< the operator has entered a level
-    std::mutex inputLock;                   ///< over `newInput`, `waitForInput`, `lightLevels`
-    bool waitForInput = true;               ///< samples are dropped until there is `newInput`
-    double lastSampleTime = 0.0;            ///< ms
-    std::vector<double> sampleIntervals;    ///< ms, between samples
-    std::vector<double> recentValues;       ///< the last values as received, at most 3
-    double meanInterval = 0.0;              ///< ms, running mean of `sampleIntervals`
+    std::mutex inputLock;                   ///< also over `lightLevels` while samples come
+    /// The operator has entered a level.
+    bool newInput TAVOREN_GUARDED_BY(inputLock) = false;
+    /// Samples are dropped until there is `newInput`.
+    bool waitForInput TAVOREN_GUARDED_BY(inputLock) = true;
+    double lastSampleTime = 0.0;          ///< ms
+    std::vector<double> sampleIntervals;  ///< ms, between samples
+    std::vector<double> recentValues;     ///< the last values as received, at most 3
+    double meanInterval = 0.0;            ///< ms, running mean of `sampleIntervals`
 
   private:
     bool isWaitingForInput(double value);

@@ -4,6 +4,7 @@
 #include <functional>
 #include <mutex>
 
+#include "common/GuardedBy.h"
 #include "numerics/Ellipsoid.h"
 #include "sensors/InertialSensor.h"
 #include "sensors/MedianRange.h"
@@ -99,9 +100,10 @@ class Magnetometer final : public InertialSensor {
     /// The verdict on the environment; throws `CalibrationException` if it is no good.
     void testEnvironment();
 
-    std::vector<double> dipAngles;  ///< degrees, one for each sample of the test phase
-    Ellipsoid fittedEllipsoid;      ///< of `findFit`
-    double sinDip = -1.0;           ///< of the last dip angle tried or found
+    /// Degrees, one for each sample of the test phase.
+    std::vector<double> dipAngles TAVOREN_GUARDED_BY(bufferLock);
+    Ellipsoid fittedEllipsoid;  ///< of `findFit`
+    double sinDip = -1.0;       ///< of the last dip angle tried or found
     double cosDip = -1.0;
     double maxMagneticField = 650.0;
     double minMagneticField = 200.0;
@@ -111,7 +113,7 @@ class Magnetometer final : public InertialSensor {
     double findFitDistance = 0.0;
     double movementRangeLimit = 200.0;
     double displacementLimit = 300.0;
-    std::vector<SensorSample> testPhaseData;
+    std::vector<SensorSample> testPhaseData TAVOREN_GUARDED_BY(bufferLock);
 
   private:
     void calibrateFull();

@@ -162,6 +162,13 @@ TEST(SensorManager, AStepEndsByTheWorkerByTimeOrByASilentSensor) {
     LiveRun failed;
     failed.manager.stageDone(false);
     EXPECT_EQ(failureOf(failed), "DATA COLLECTION FAILED\n Failed to get samples from FW");
+    LiveRun flooded;
+    flooded.manager.mostSamples = 2;
+    for (int k = 0; k < 5; ++k)
+        for (const auto& sensor : {flooded.gyroscope, flooded.accelerometer})
+            flooded.deliver(sensor, 1000.0 + k);
+    EXPECT_EQ(failureOf(flooded), "Too many samples from sensor Gyroscope");
+    EXPECT_EQ(flooded.manager.rawData().at(flooded.accelerometer).size(), 2U);
     LiveRun run;
     run.manager.stageTimeLimit = std::chrono::seconds(10);
     std::thread worker([&run] {
