@@ -54,6 +54,8 @@ constexpr std::array faultTable{
              "more buffers come between the stop and its answer"},
     FaultRow{"deaf", FaultKind::deaf, Argument::none,
              "a stop is not heard: buffers go on for ever"},
+    FaultRow{"forgetful", FaultKind::forgetful, Argument::none,
+             "records that are set are praised and forgotten"},
     FaultRow{"refuse-client", FaultKind::refuseClient, Argument::none,
              "the device refuses to be opened by the tool"},
 };

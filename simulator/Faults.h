@@ -50,6 +50,8 @@ enum class FaultKind {
     disconnect,
     lateBuffers,
     deaf,
+    // of the store
+    forgetful,
     // of opening the device
     refuseClient,
 };

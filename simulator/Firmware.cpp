@@ -171,6 +171,8 @@ Firmware::Handled Firmware::handleGet(Request request, ByteSpan message) {
 
 std::uint8_t Firmware::setRecord(ByteSpan message) {
     const auto request = SmhiSetCalibrationRequest::decode(message);
+    if (request && options.faults.has(FaultKind::forgetful))
+        return SmhiStatus::success;
     if (!request || !device.records().set(request->luid, request->calibrationData))
         return SmhiStatus::invalidParameter;
     if (!options.records.empty())

@@ -46,6 +46,13 @@ TEST(LiveRun, CalibratesFlushesAndThenPassesTheTest) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.path / "devices"));
 }
 
+TEST(LiveRun, ATestFindsARecordThatTheFirmwareDidNotKeep) {
+    const TemporaryFolder folder;
+    const HubProcess hub(folder, "--sequence four-steps --fault forgetful");
+    EXPECT_EQ(runProgram(folder, "-Calibrate AG -FourSteps -UpdateTVN -NoEnter 1").exitCode, 0);
+    EXPECT_EQ(runProgram(folder, "-TestCalibration AG -FourSteps").exitCode, reportedFailure);
+}
+
 struct SequenceRow {
     std::string name;
     std::string hubOptions;
