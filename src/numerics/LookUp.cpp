@@ -15,7 +15,8 @@ constexpr double twoPi = 6.283185307179586;
 constexpr double pi = 3.141592653589793;
 constexpr double halfPi = 1.5707963267948966;
 constexpr double threeHalvesPi = 4.71238898038469;
-constexpr double farthestAngle = 1e9;  // the reduction subtracts one turn at a time
+constexpr double farthestAngle = 1e9;  // no movement turns farther
+constexpr double manyTurns = 1e4;      // the reduction subtracts one turn at a time below
 
 double sixDecimals(double x) {
     return std::round(x * 1e6) / 1e6;
@@ -48,6 +49,8 @@ const std::array<double, 20001>& arcCosineTable() {
 double reducedToOneTurn(double x) {
     if (!(std::abs(x) <= farthestAngle))
         refuseAngle();
+    if (std::abs(x) > manyTurns)
+        x = std::fmod(x, twoPi);
     while (x < 0.0)
         x += twoPi;
     while (x > twoPi)

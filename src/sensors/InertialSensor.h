@@ -215,8 +215,8 @@ class InertialSensor : public Sensor {
     double sampleTime(std::int64_t index) const;
 
   private:
-    /// Until when (ms) a stability window that holds `range` holds the same samples at least.
-    double nextChange(IndexRange range) const;
+    /// Until when (ms) the stability window from `start` (ms) holds the same samples at least.
+    double nextChange(double start) const;
     Matrix invertedRecord(const Matrix& scale, const Matrix& mapping);
     Vector offsetAfterRecord(const Matrix& scale, const Matrix& mapping);
     struct RestStatistics {

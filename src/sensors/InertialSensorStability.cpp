@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "common/CalibrationException.h"
 #include "frame/LogScope.h"
@@ -14,6 +15,26 @@ constexpr IndexRange invalidRange{-1, -1};
 
 constexpr double extensionStep = 100.0;  // ms
 constexpr double noiseMargin = 1.5;
+
+// Samples. A hub reports once a millisecond at most; a dump may give any number the same time, and
+// each of them would look at the whole window.
+constexpr std::int32_t fullestWindow = 4096;
+
+/// The first time behind `time` at which there is a sample; without one that of the newest sample.
+/// REQUIRES: samples.
+double earliestBehind(const SampleBuffer& samples, double time) {
+    double earliest = std::numeric_limits<double>::infinity();
+    if (samples.isAscending()) {
+        const std::size_t index = samples.firstAfter(time);
+        if (index < samples.size())
+            earliest = samples[index].time;
+    } else {
+        for (const SensorSample& sample : samples)
+            if (sample.time > time)
+                earliest = std::min(earliest, sample.time);
+    }
+    return std::isfinite(earliest) ? earliest : samples.back().time;
+}
 
 }  // namespace
 
@@ -33,6 +54,8 @@ bool InertialSensor::hasSettled(bool adapt) {
     const IndexRange range = bufferedData.empty()
                                  ? invalidRange
                                  : findBufferRange(bufferedData.back().time - windowMs, windowMs);
+    if (range.last - range.first >= fullestWindow)
+        return false;
     const double spread = maxAxisRange(bufferedData, range);
     if (!adapt && spread > stableRangeLimit)
         return false;
@@ -62,22 +85,19 @@ double InertialSensor::stableTimeAfter(double time) const {
     const double rangeLimit = noiseMargin * maxAxisRange(bufferedData, start);
     double k = 1.0;
     while (bufferedData.back().time > time + extensionStep * k) {
-        const IndexRange range = findBufferRange(time + extensionStep * k, windowMs);
+        const double windowStart = time + extensionStep * k;
+        const IndexRange range = findBufferRange(windowStart, windowMs);
         if (maxAxisRange(bufferedData, range) > rangeLimit ||
             maxAxisDeviation(bufferedData, range) > deviationLimit)
             break;
-        k = std::max(k + 1.0, std::floor((nextChange(range) - time) / extensionStep) - 1.0);
+        k = std::max(k + 1.0, std::floor((nextChange(windowStart) - time) / extensionStep) - 1.0);
     }
     return extensionStep * (k - 1.0);
 }
 
-double InertialSensor::nextChange(IndexRange range) const {
-    const auto next = [this](std::int32_t index) {
-        const auto i = static_cast<std::size_t>(index) + 1;
-        return i < bufferedData.size() ? bufferedData[i].time : bufferedData.back().time;
-    };
-    return bufferedData.isAscending() ? std::min(next(range.first), next(range.last) - windowMs)
-                                      : 0.0;
+double InertialSensor::nextChange(double start) const {
+    return std::min(earliestBehind(bufferedData, start),
+                    earliestBehind(bufferedData, start + windowMs) - windowMs);
 }
 
 }  // namespace tavoren

@@ -151,7 +151,7 @@ class Sensor {
     std::int32_t rawDivisor = 100000;    ///< a live value is the raw integer divided by this
 
   protected:
-    ~Sensor() = default;
+    virtual ~Sensor() = default;
 
     /// The first byte of data that must not be empty; throws "Invalid calibration data size".
     static std::uint8_t formatOf(const ByteString& bytes);

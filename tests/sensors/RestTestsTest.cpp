@@ -28,6 +28,7 @@ TEST(Asserts, SayWhatIsOffInTheirOwnForms) {
     EXPECT_TRUE(InertialSensor::angleAssert({359.0}, {1.0}, 2.0, L"", L""));
     EXPECT_FALSE(InertialSensor::angleAssert({358.9}, {1.0}, 2.0, L"", L""));
     EXPECT_FALSE(InertialSensor::vectorAssert({0.0 / 0.0}, {0.0}, 9.0, L"", L""));
+    EXPECT_FALSE(InertialSensor::vectorAssert({0.0}, {0.0}, 0.0 / 0.0, L"", L""));
     EXPECT_EQ(shownBy([&] { passed = InertialSensor::doubleAssert(100.0, 1234567.0, 0.5, L"b", L""); }),
               "Error in b\nError in double assert. Value: 100 Expected value: 1.23457e+06 distance "
               "is bigger than threshold of 0.5 \n");

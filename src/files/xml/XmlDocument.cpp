@@ -27,9 +27,7 @@ void unifyLineEnds(std::string& bytes) {
 }
 
 std::optional<std::wstring> readText(std::string_view path) {
-    if (FileReader(path).size() > XmlDocument::largestFile)
-        return std::nullopt;
-    std::optional<std::string> bytes = readFile(path);
+    std::optional<std::string> bytes = readFile(path, XmlDocument::largestFile);
     if (!bytes)
         return std::nullopt;
     unifyLineEnds(*bytes);

@@ -12,8 +12,9 @@ namespace tavoren {
 /// An XML document in memory: a tolerant subset of the format that reads back what it writes.
 class XmlDocument : public XmlNode {
   public:
-    /// Bytes of a file that `load` takes; calibration files and logs hold some thousand.
-    static constexpr std::uint64_t largestFile = std::uint64_t{16} << 20;
+    /// Bytes of a file that `load` takes. Calibration files and logs hold some thousand; a node
+    /// takes 200 bytes and more, and a blank in a tag makes one.
+    static constexpr std::uint64_t largestFile = std::uint64_t{2} << 20;
 
     XmlDocument();
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "common/Utf8.h"
+#include "files/TemporaryFolder.h"
 #include "files/xml/XmlCode.h"
 #include "files/xml/XmlCursor.h"
 #include "files/xml/XmlDocument.h"
@@ -44,6 +45,15 @@ TEST(XmlHostile, LongInputsAreReadInOneWalk) {
     ASSERT_EQ(document.parseBuffer(openings), XmlCode::success);
     EXPECT_EQ(document.text.size(), openings.size() - 4);
     ASSERT_EQ(document.parseBuffer(L"<a b='" + repeated(L"&#x", 300'000) + L"'/>"), 0);
+}
+
+TEST(XmlHostile, AFileIsReadUpToItsLimit) {
+    const TemporaryFolder folder;
+    XmlDocument document;
+    for (const std::size_t beyond : {0U, 1U}) {
+        folder.write("f.xml", std::string(XmlDocument::largestFile + beyond, ' '));
+        EXPECT_EQ(document.load(folder / "f.xml"), beyond == 0 ? XmlCode::success : XmlCode::fileFailure);
+    }
 }
 
 const std::string sample =
