@@ -107,8 +107,7 @@ void CalibrationManager::finishFailedCollection() {
 void CalibrationManager::stopQuietly() {
     try {
         stopSampling();
-    } catch (const CalibrationException& e) {
-        Logger::write(LogLevel::warning, "CalibrationManager::collectData", __LINE__, e.what());
+    } catch (const CalibrationException&) {  // NOLINT(bugprone-empty-catch)
     }
 }
 

@@ -105,7 +105,7 @@ class SensorManager final : public SensorRun, public SampleReceiver {
     std::shared_ptr<Process> process;
     double baseTime = 0.0;             ///< ms, the origin of the stored times
     std::uint32_t reportInterval = 0;  ///< ms
-    /// What a failed stage raises, until it is raised.
+    /// What a failed stage raises: the text of the last failure that had one.
     std::string failureText TAVOREN_GUARDED_BY(stageLock);
     std::map<std::string, FailureKind> failures;
     bool allReady = false;  ///< every sensor has delivered a sample

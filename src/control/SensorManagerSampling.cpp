@@ -238,7 +238,7 @@ void SensorManager::failStage(const std::string& text) {
 
 void SensorManager::endStage(bool status, const std::string& text) {
     const std::lock_guard lock(stageLock);
-    if (failureText.empty())
+    if (!text.empty())
         failureText = text;
     stageFinished = true;
     stageSuccess = status;
@@ -258,7 +258,7 @@ void SensorManager::waitForStepFinish(bool lastRotation) {
         return;
     if (failureText.empty())
         failureText = "DATA COLLECTION FAILED\n Failed to get samples from FW";
-    throw CalibrationException(std::exchange(failureText, {}));
+    throw CalibrationException(failureText);
 }
 
 void SensorManager::waitForWorker() {

@@ -165,9 +165,9 @@ TEST(SensorManager, AStepEndsByTheWorkerByTimeOrByASilentSensor) {
     LiveRun flooded;
     flooded.manager.mostSamples = 2;
     for (int k = 0; k < 5; ++k)
-        for (const auto& sensor : {flooded.gyroscope, flooded.accelerometer})
+        for (const auto& sensor : {flooded.accelerometer, flooded.gyroscope})
             flooded.deliver(sensor, 1000.0 + k);
-    EXPECT_EQ(failureOf(flooded), "Too many samples from sensor Gyroscope");
+    EXPECT_EQ(failureOf(flooded), "Too many samples from sensor Gyroscope") << "the last failure";
     EXPECT_EQ(flooded.manager.rawData().at(flooded.accelerometer).size(), 2U);
     LiveRun run;
     run.manager.stageTimeLimit = std::chrono::seconds(10);
