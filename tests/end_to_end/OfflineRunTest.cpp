@@ -28,6 +28,11 @@ TEST(OfflineRun, CalibratesTheBundledRecording) {
     EXPECT_NE(run.shown.find("Saving calibration data to file out\\resultCalibration.xml\n"), std::string::npos);
     EXPECT_EQ(run.shown.find('\x1b'), std::string::npos);  // no colours into a file
     EXPECT_NE(folder.read("out/resultCalibration.xml").find("</TVN>\r\n"), std::string::npos);
+    const std::string closed = "sh -c 'exec \"$0\" \"$@\" <&- >&- 2>&-' ";
+    const ProgramRun unseen = runProgram(
+        folder, "-CalibrateOffline AG -UseRawData " + examples + "/motion -ExportAllFiles unseen", TAVOREN_PROGRAM, closed);
+    EXPECT_EQ(unseen.exitCode, 0);
+    EXPECT_EQ(folder.read("unseen/resultCalibration.xml"), folder.read("out/resultCalibration.xml"));
 }
 
 TEST(OfflineRun, JudgesTheBundledTests) {

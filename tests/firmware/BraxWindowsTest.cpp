@@ -113,7 +113,11 @@ TEST(BraxWindows, OnlyTheFirstPresentDeviceIsOpened) {
     brax.Connect();
     other.join();
     brax.Close();
-    std::ofstream("devices/{AA1DCD67-308F-4DAA-A2B9-2782D4703C5D}.file") << "no socket";
+    const std::string guid = "{AA1DCD67-308F-4DAA-A2B9-2782D4703C5D}.";
+    std::ofstream("devices/" + guid + std::string(61, 'a')) << "a path of 108 bytes";
+    EXPECT_EQ(failureOf([&] { brax.Connect(); }), "SMHI Error: Failed to create device handle");
+    EXPECT_EQ(GetLastError(), ERROR_FILENAME_EXCED_RANGE);
+    std::ofstream("devices/" + guid + "_") << "no socket";
     EXPECT_EQ(failureOf([&] { brax.Connect(); }), "SMHI Error: Failed to create device handle");
     EXPECT_FALSE(second.hasCaller());
     EXPECT_EQ(failureOf([&] { brax.Read(1); }), "SMHI Error: Invalid device handle");

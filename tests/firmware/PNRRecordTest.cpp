@@ -188,6 +188,7 @@ TEST(PNRRecord, ABufferIsCutIntoItsRecords) {
     odd.insert(odd.end(), {1, 2, 3});
     odd[0] = static_cast<std::uint8_t>(odd.size());
     EXPECT_EQ(parse({odd, good}), (Samples{sample, sample}));
+    EXPECT_EQ(parse({recordOf(gyroscope, 0, std::vector(59, 1))})[0].values, std::vector(59, 0.001));
     EXPECT_EQ(parse({recordOf(accelerometer, ~0ULL, {})}), (Samples{{receiver.a, 18446744073709551615.0 / 1000.0, {}}}));
     for (const int length : {0, 1, 16, 26, 255}) {
         ByteString bad = good;

@@ -1,5 +1,6 @@
 #include "platform/Interrupt.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -7,6 +8,7 @@
 #include <cstdio>
 
 #include "platform/Platform.h"
+#include "platform/StandardStreams.h"
 
 namespace tavoren {
 namespace {
@@ -35,6 +37,16 @@ TEST(InterruptDeathTest, EndsTheProcessAfterTheHandler) {
 TEST(InterruptDeathTest, SecondInterruptEndsTheProcessAtOnce) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(interrupt(interruptAgain), testing::KilledBySignal(SIGINT), "");
+}
+
+TEST(StandardStreamsDeathTest, AreNeverTheNumbersOfOtherFiles) {
+    const auto openFile = [] {
+        for (const int stream : {0, 1, 2})
+            close(stream);
+        fillStandardStreams();
+        _exit(open("/dev/null", O_RDONLY) > 2 && write(1, "x", 1) == 1 && read(0, nullptr, 0) == 0 ? 0 : 1);
+    };
+    EXPECT_EXIT(openFile(), testing::ExitedWithCode(0), "");
 }
 
 TEST(Platform, TokenTellsTheRights) {
