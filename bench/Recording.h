@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "common/SensorSample.h"
-#include "sensors/SensorDataMap.h"
+#include "control/Process.h"
+#include "control/SensorManager.h"
+#include "sensors/Sensor.h"
 
 namespace tavoren::bench {
 
@@ -25,25 +25,35 @@ class ScratchFolder {
     const std::filesystem::path path;
 };
 
-/// What an accelerometer and a gyroscope deliver in a full sequence, at 100 Hz, raw axes, in g0 and
-/// degrees per second, with the errors and the noise of a real part: seven rests of `restSeconds`,
-/// between them a turn of 360 degrees about Z, Y and X at one position, each followed by a change
-/// to the next one. A rest of at least 3 s lets every step end. The same at every call.
-struct Recording {
-    explicit Recording(double restSeconds);
+/// The dumps of a simulated device that moves through a sequence, the same at every call.
+class Recording {
+  public:
+    /// `letters` are those of the simulator's sensors.
+    Recording(const std::string& sequence, std::vector<std::string> letters, double restSeconds);
 
-    /// Rows of each sensor that a rest of this length makes, and the rest for so many rows.
+    /// The rest in a full sequence that gives so many rows at 100 Hz.
     static double restForRows(std::size_t rows);
+    /// New sensors of the recorded kinds, without samples.
+    std::vector<std::shared_ptr<Sensor>> makeSensors() const;
 
-    std::vector<SensorSample> acceleration;
-    std::vector<SensorSample> rate;
+    const ScratchFolder folder;
+
+  private:
+    const std::vector<std::string> sensorLetters;
 };
 
-/// Stand-ins for the two sensors, enough to name and head their dumps.
-std::shared_ptr<Sensor> recordedAccelerometer();
-std::shared_ptr<Sensor> recordedGyroscope();
+/// An offline run over a recording whose samples are loaded and not yet played.
+struct OfflineRun {
+    OfflineRun(const Recording& recording, const std::shared_ptr<Process>& process);
 
-/// Writes the recording as "dataDump" files. Gives the number of rows of both together.
-std::size_t writeDumps(const Recording& recording, const ScratchFolder& folder);
+    /// Plays the samples and gives the seconds that it took.
+    double play();
+
+    const std::vector<std::shared_ptr<Sensor>> sensors;
+    SensorManager manager;
+};
+
+/// The process of a full calibration of motion sensors.
+std::shared_ptr<Process> fullCalibration();
 
 }  // namespace tavoren::bench

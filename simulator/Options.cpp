@@ -134,7 +134,7 @@ constexpr std::array optionTable{
                   o.device.hinge = static_cast<std::uint8_t>(choice(v, hinges));
               }},
     OptionRow{"--rest", "SECONDS", "of each rest (3)",
-              [](Options& o, const std::string& v) { o.timing.rest = number(v, 0.1, 600); }},
+              [](Options& o, const std::string& v) { o.timing.rest = number(v, 0.1, 3600); }},
     OptionRow{"--turn", "SECONDS", "of a turn of 360 degrees (5)",
               [](Options& o, const std::string& v) { o.timing.fullTurn = number(v, 0.5, 600); }},
     OptionRow{"--levels", "LUX,...", "light levels of the sequence light (100,500,1000)",

@@ -1,12 +1,9 @@
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <array>
 #include <charconv>
-#include <chrono>
 #include <cstring>
-#include <limits>
 
+#include "BesideFloor.h"
 #include "files/CsvParser.h"
 #include "platform/Files.h"
 #include "Recording.h"
@@ -16,47 +13,28 @@ namespace {
 
 constexpr std::size_t pieceSize = std::size_t{256} * 1024;
 
-template <typename Action>
-double secondsOf(Action action) {
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-/// Times the tool's way and the floor in turn, so that both meet the same state of the machine.
-/// The counters are of the best rounds; `ratio` is the tool's time by the floor's.
-template <typename Tool, typename Floor>
-void runBesideFloor(benchmark::State& state, std::size_t rows, std::size_t bytes, Tool tool,
-                    Floor floor) {
-    double toolBest = std::numeric_limits<double>::infinity();
-    double floorBest = toolBest;
-    for (auto _ : state) {
-        const double seconds = secondsOf(tool);
-        state.SetIterationTime(seconds);
-        toolBest = std::min(toolBest, seconds);
-        floorBest = std::min(floorBest, secondsOf(floor));
-    }
-    state.counters["rows/s"] = static_cast<double>(rows) / toolBest;
-    state.counters["MB/s"] = static_cast<double>(bytes) / toolBest / 1e6;
-    state.counters["floorMB/s"] = static_cast<double>(bytes) / floorBest / 1e6;
-    state.counters["ratio"] = toolBest / floorBest;
-}
-
-/// One accelerometer's dump of the asked number of rows.
+/// One accelerometer's dump of the asked number of rows, in a file and in memory.
 struct DumpFile {
     explicit DumpFile(std::size_t rows)
-        : data{{sensor, SampleBuffer(Recording(Recording::restForRows(rows)).acceleration)}} {
-        CsvParser().writeToFile(basePath, data, {});
-    }
-    const SampleBuffer& samples() const { return data.at(sensor); }
-    std::size_t bytes() const { return static_cast<std::size_t>(FileReader(name).size()); }
+        : recording("full", {"A"}, Recording::restForRows(rows)), data(load()) {}
 
-    const ScratchFolder folder;
-    const std::string basePath = folder.file("dataDump.csv");
-    const std::string name = folder.file("dataDumpAccelerometer.csv");
-    const std::shared_ptr<Sensor> sensor = recordedAccelerometer();
+    SensorDataMap load() const { return CsvParser().readFromFile(basePath, sensors, false); }
+    const SampleBuffer& samples() const { return data.at(sensors.front()); }
+
+    const Recording recording;
+    const std::string basePath = recording.folder.file("dataDump.csv");
+    const std::string name = recording.folder.file("dataDumpAccelerometer.csv");
+    const std::vector<std::shared_ptr<Sensor>> sensors = recording.makeSensors();
     const SensorDataMap data;
 };
+
+/// Reads the file in the same pieces and does nothing with them.
+void readBytes(const std::string& name) {
+    FileReader reader(name);
+    std::vector<char> piece(pieceSize);
+    while (reader.read(piece) > 0)
+        benchmark::DoNotOptimize(piece.data());
+}
 
 /// Every number of the file, by nothing but `from_chars` over the same pieces; rows are not kept.
 double sumOfNumbers(const std::string& name) {
@@ -109,25 +87,50 @@ void writeNumbers(std::span<const SensorSample> samples, const std::string& name
     file.commit();
 }
 
-void loadDump(benchmark::State& state) {
+Comparison rowOf(const benchmark::State& state, const char* action, const char* floor,
+                 const char* aim) {
+    return {action + (" " + grouped(state.range(0))) + " rows", floor, "rows", aim};
+}
+
+/// The tool's way of loading beside a floor.
+template <typename Floor>
+void loadBeside(benchmark::State& state, const char* floorName, const char* aim, Floor floor) {
     const DumpFile dump(static_cast<std::size_t>(state.range(0)));
     const auto load = [&dump] {
-        benchmark::DoNotOptimize(
-            CsvParser().readFromFile(dump.basePath, std::array{dump.sensor}, false));
+        return secondsOf([&dump] { benchmark::DoNotOptimize(dump.load()); });
     };
-    const auto floor = [&dump] { benchmark::DoNotOptimize(sumOfNumbers(dump.name)); };
-    runBesideFloor(state, dump.samples().size(), dump.bytes(), load, floor);
+    const auto bare = [&] { return secondsOf([&] { floor(dump.name); }); };
+    runBesideFloor(state, rowOf(state, "load", floorName, aim), dump.samples().size(), load, bare);
 }
-BENCHMARK(loadDump)->Arg(20000)->Arg(1000000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void loadBesideFromChars(benchmark::State& state) {
+    loadBeside(state, "bare `from_chars`", "2",
+               [](const std::string& name) { benchmark::DoNotOptimize(sumOfNumbers(name)); });
+}
+BENCHMARK(loadBesideFromChars)->Arg(20000)->Iterations(51)->UseManualTime();
+BENCHMARK(loadBesideFromChars)->Arg(1000000)->Iterations(5)->UseManualTime();
+
+void loadBesideReading(benchmark::State& state) {
+    loadBeside(state, "read the bytes", "", readBytes);
+}
+BENCHMARK(loadBesideReading)->Arg(20000)->Iterations(51)->UseManualTime();
+BENCHMARK(loadBesideReading)->Arg(1000000)->Iterations(5)->UseManualTime();
 
 void writeDump(benchmark::State& state) {
     const DumpFile dump(static_cast<std::size_t>(state.range(0)));
-    const std::string floorName = dump.folder.file("floor.csv");
-    const auto write = [&dump] { CsvParser().writeToFile(dump.basePath, dump.data, {}); };
-    const auto floor = [&] { writeNumbers(dump.samples(), floorName); };
-    runBesideFloor(state, dump.samples().size(), dump.bytes(), write, floor);
+    const ScratchFolder folder;
+    const auto write = [&] {
+        return secondsOf(
+            [&] { CsvParser().writeToFile(folder.file("dump.csv"), dump.data, dump.sensors); });
+    };
+    const auto floor = [&] {
+        return secondsOf([&] { writeNumbers(dump.samples(), folder.file("floor.csv")); });
+    };
+    runBesideFloor(state, rowOf(state, "write", "bare `to_chars`", "1.5"), dump.samples().size(),
+                   write, floor);
 }
-BENCHMARK(writeDump)->Arg(20000)->Arg(1000000)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(writeDump)->Arg(20000)->Iterations(31)->UseManualTime();
+BENCHMARK(writeDump)->Arg(1000000)->Iterations(5)->UseManualTime();
 
 }  // namespace
 }  // namespace tavoren::bench

@@ -1,23 +1,25 @@
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
 #include <memory>
-#include <optional>
+#include <stdexcept>
 #include <string>
 
+#include "BesideFloor.h"
 #include "common/Utf8.h"
+#include "files/CalibrationFile.h"
 #include "files/xml/XmlCode.h"
 #include "files/xml/XmlDeclaration.h"
 #include "files/xml/XmlDocument.h"
 #include "files/xml/XmlElement.h"
 #include "files/xml/XmlText.h"
 #include "platform/Files.h"
+#include "Recording.h"
+#include "simulator/Script.h"
 
-namespace tavoren {
+namespace tavoren::bench {
 namespace {
 
-constexpr std::string_view path = "tavoren_xml_bench.xml";
-constexpr int entryCount = 16000;
+constexpr int loading = 0, saving = 1;
 
 std::shared_ptr<XmlElement> makeEntry(int index) {
     auto entry = std::make_shared<XmlElement>(L"Sensor");
@@ -32,71 +34,66 @@ std::shared_ptr<XmlElement> makeEntry(int index) {
     return entry;
 }
 
-/// A result log of some megabytes.
-const XmlDocument& sampleLog() {
-    static XmlDocument document;
-    if (document.children().empty()) {
-        document.addChild(
-            std::make_shared<XmlDeclaration>(L"xml", L"version=\"1.0\" encoding=\"UTF-8\""));
-        auto root = std::make_shared<XmlElement>(L"Log");
-        for (int i = 0; i < entryCount; ++i)
-            root->addChild(makeEntry(i));
-        document.addChild(std::move(root));
-    }
-    return document;
+/// A result log, not far from the largest file that is loaded.
+void saveLog(const std::string& path) {
+    constexpr int entryCount = 4000;
+    XmlDocument document;
+    document.addChild(
+        std::make_shared<XmlDeclaration>(L"xml", L"version=\"1.0\" encoding=\"UTF-8\""));
+    auto root = std::make_shared<XmlElement>(L"Log");
+    for (int i = 0; i < entryCount; ++i)
+        root->addChild(makeEntry(i));
+    document.addChild(std::move(root));
+    document.save(path);
 }
 
-const std::string& sampleBytes() {
-    static const std::string bytes = *toUtf8(sampleLog().toString());
-    return bytes;
+/// Loads the file or saves what it holds, beside the bare bytes.
+void runFile(benchmark::State& state, const std::string& what, const std::string& path) {
+    XmlDocument loaded;
+    if (loaded.load(path) != XmlCode::success)
+        throw std::runtime_error("load failed");
+    const std::string bytes = readFile(path).value();
+    const std::wstring text = fromUtf8(bytes).value();
+    const auto load = [&] {
+        return secondsOf([&] { benchmark::DoNotOptimize(XmlDocument().load(path)); });
+    };
+    const auto decode = [&] {
+        return secondsOf([&] { benchmark::DoNotOptimize(fromUtf8(readFile(path).value())); });
+    };
+    const auto save = [&] {
+        return secondsOf([&] { benchmark::DoNotOptimize(loaded.save(path)); });
+    };
+    const auto encode = [&] {
+        return secondsOf([&] { replaceFile(path, toUtf8(text).value(), LineEnds::asWritten); });
+    };
+    if (state.range(0) == loading)
+        runBesideFloor(state, {"load " + what, "read the bytes, decode UTF-8", "B"}, bytes.size(),
+                       load, decode);
+    else
+        runBesideFloor(state, {"save " + what, "encode UTF-8, write the bytes", "B"}, bytes.size(),
+                       save, encode);
 }
 
-void setRate(benchmark::State& state) {
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
-                            static_cast<std::int64_t>(sampleBytes().size()));
+void calibrationFile(benchmark::State& state) {
+    const Recording recording("full", {"A", "G", "M"}, simulator::ScriptTiming{}.rest);
+    OfflineRun run(recording, fullCalibration());
+    const MutedConsole muted;
+    run.play();
+    for (const auto& sensor : run.sensors)
+        sensor->calibrate();
+    const std::string path = recording.folder.file("calibration.xml");
+    writeCalibrationFile(path, run.sensors, false);
+    runFile(state, "a calibration file", path);
 }
+BENCHMARK(calibrationFile)->Arg(loading)->Arg(saving)->Iterations(101)->UseManualTime();
 
-/// The floor of a load: the same bytes as wide text.
-void xmlDecodeOnly(benchmark::State& state) {
-    const std::string& bytes = sampleBytes();
-    for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(fromUtf8(bytes));
-    setRate(state);
+void logFile(benchmark::State& state) {
+    const ScratchFolder folder;
+    const std::string path = folder.file("log.xml");
+    saveLog(path);
+    runFile(state, "a log of 1.6 MB", path);
 }
-BENCHMARK(xmlDecodeOnly)->Unit(benchmark::kMillisecond);
-
-void xmlLoad(benchmark::State& state) {
-    if (!replaceFile(path, sampleBytes(), LineEnds::asWritten))
-        state.SkipWithError("no file to load");
-    for ([[maybe_unused]] auto _ : state) {
-        XmlDocument document;
-        if (document.load(path) != XmlCode::success)
-            state.SkipWithError("load failed");
-    }
-    std::filesystem::remove(nativePath(path));
-    setRate(state);
-}
-BENCHMARK(xmlLoad)->Unit(benchmark::kMillisecond);
-
-/// The floor of a save: the same text as UTF-8.
-void xmlEncodeOnly(benchmark::State& state) {
-    const std::wstring text = sampleLog().toString();
-    for ([[maybe_unused]] auto _ : state)
-        benchmark::DoNotOptimize(toUtf8(text));
-    setRate(state);
-}
-BENCHMARK(xmlEncodeOnly)->Unit(benchmark::kMillisecond);
-
-void xmlSave(benchmark::State& state) {
-    const XmlDocument& document = sampleLog();
-    for ([[maybe_unused]] auto _ : state) {
-        if (document.save(path) != XmlCode::success)
-            state.SkipWithError("save failed");
-    }
-    std::filesystem::remove(nativePath(path));
-    setRate(state);
-}
-BENCHMARK(xmlSave)->Unit(benchmark::kMillisecond);
+BENCHMARK(logFile)->Arg(loading)->Arg(saving)->Iterations(9)->UseManualTime();
 
 }  // namespace
-}  // namespace tavoren
+}  // namespace tavoren::bench
