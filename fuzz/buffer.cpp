@@ -1,9 +1,12 @@
 // A recording session against a firmware that says anything, message by message, and then behaves:
 // the session ends, and no sample comes from bytes that were not sent.
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <span>
 
 #include "firmware/BraxBase.h"
 #include "firmware/PNRRecordPrivate.h"
@@ -40,7 +43,7 @@ class Firmware final : public BraxBase {
 
     void waitUntilAllIsSaid() {
         std::unique_lock hold(lock);
-        saidAll.wait_for(hold, std::chrono::seconds(10), [this] { return script.empty(); });
+        saidAll.wait_for(hold, std::chrono::seconds(2), [this] { return script.empty(); });
     }
 
   private:

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "common/NeverDestroyed.h"
 #include "files/CalibrationFile.h"
 #include "files/xml/XmlDocument.h"
 #include "files/xml/XmlElement.h"
@@ -62,8 +63,9 @@ void serve(DeviceSocket& device) {
 /// Puts the hub into the working directory, where it stays as long as the process.
 void startHub() {
     workingFolder();
-    static DeviceSocket device("hub");
-    std::thread([] { serve(device); }).detach();
+    static NeverDestroyed<std::unique_ptr<DeviceSocket>> device;
+    device.object = std::make_unique<DeviceSocket>("hub");
+    std::thread([] { serve(*device.object); }).detach();
 }
 
 using Sensors = std::vector<std::shared_ptr<Sensor>>;

@@ -43,7 +43,7 @@ void Hub::run() {
 
 void Hub::waitForWork() {
     // A negative descriptor is passed over.
-    std::vector<pollfd> entries{{isWaiting ? STDIN_FILENO : -1, POLLIN, 0},
+    std::vector<pollfd> entries{{release == Release::awaited ? STDIN_FILENO : -1, POLLIN, 0},
                                 {entry.descriptor(), POLLIN, 0}};
     for (const auto& connection : connections)
         entries.push_back({connection->descriptor(),
@@ -68,8 +68,7 @@ void Hub::readOperator() {
     char typed = '\n';
     if (::read(STDIN_FILENO, &typed, 1) == 1 && typed != '\n')
         return;
-    isWaiting = false;
-    isReleased = true;
+    release = Release::given;
     pace->restart(Pace::Clock::now());
 }
 
@@ -78,7 +77,7 @@ std::optional<Pace::Clock::time_point> Hub::nextPublish() {
     const Session* const session = firmware.session();
     if (!session || !recorder || recorder->isSending())
         return std::nullopt;
-    if (isWaiting)
+    if (release == Release::awaited)
         return restDue;
     return pace->due(session->script(), session->seconds(), Pace::Clock::now());
 }
@@ -126,7 +125,7 @@ void Hub::answer(Connection& connection, ByteSpan message) {
         recorder = &connection;
         pace.emplace(options.speed, std::chrono::milliseconds(options.hold));
         shownMovement = static_cast<std::size_t>(-1);
-        isWaiting = isReleased = false;
+        release = Release::none;
     } else if (!firmware.session()) {
         recorder = nullptr;
     }
@@ -136,10 +135,11 @@ void Hub::publish() {
     const auto due = nextPublish();
     if (!due || *due > Pace::Clock::now() || !recorder->isOpen())
         return;
-    if (!isWaiting && pace->movement() != shownMovement)
+    if (release != Release::awaited && pace->movement() != shownMovement)
         beginMovement();
+    const bool isHeld = release == Release::awaited;
     restDue = Pace::Clock::now() + Session::window;
-    for (const ByteString& message : firmware.session()->next(isWaiting))
+    for (const ByteString& message : firmware.session()->next(isHeld))
         sendMessage(*recorder, message);
     if (firmware.session()->isBroken()) {
         show("disconnected");
@@ -170,11 +170,14 @@ void Hub::beginMovement() {
     const std::string text =
         next == script.size() ? "end of the movement" : script.movement(next).text;
     const bool isRest = next == script.size() || script.movement(next).isRest();
-    isWaiting = options.wait && !isRest && !isReleased;
-    if (!isWaiting)
-        shownMovement = next;
-    isReleased = false;
-    show((isWaiting ? "Press Enter for: " : "") + text);
+    if (options.wait && !isRest && release != Release::given) {
+        release = Release::awaited;
+        show("Press Enter for: " + text);
+        return;
+    }
+    release = Release::none;
+    shownMovement = next;
+    show(text);
 }
 
 void Hub::show(const std::string& line) {

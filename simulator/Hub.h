@@ -42,9 +42,9 @@ class Hub {
     Connection* recorder = nullptr;  // the connection of the session
     std::optional<Pace> pace;
     std::size_t shownMovement = 0;
-    bool isWaiting = false;  // for the operator, before a movement; the device rests
-    Pace::Clock::time_point restDue;
-    bool isReleased = false;  // by the operator, for the movement to come
+    /// Of the movement that is due, where the operator begins each.
+    enum class Release { none, awaited, given } release = Release::none;
+    Pace::Clock::time_point restDue;  // the next samples while the operator is awaited
 };
 
 }  // namespace tavoren::simulator

@@ -198,10 +198,8 @@ void SensorManager::takeSample(const std::shared_ptr<Sensor>& sensor, const Sens
     const std::lock_guard lock(dataLock);
     SampleBuffer& stored = rawData_[sensor];
     if (stored.size() >= mostSamples)
-        return;
-    stored.append(sample);
-    if (stored.size() == mostSamples)
         throw CalibrationException("Too many samples from sensor " + sensor->displayName());
+    stored.append(sample);
     if (sensor->dataRecieved(sample) && process->isStageIndicator(*sensor))
         process->onSample(sample);
 }

@@ -1,4 +1,4 @@
-// Every file that the tool reads, cut behind each of its bytes.
+// Dumps, calibration files and light levels, cut behind each of their bytes.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Loaded before the system's library: the n-th call that changes a file fails, writes half, or ends
-// the process as a power cut would. FRAGILE_AT is n, FRAGILE_HOW one of error, short, kill.
+// the process. FRAGILE_AT is n, FRAGILE_HOW one of error, short, kill.
 
 #include <dlfcn.h>
 #include <fcntl.h>
