@@ -3,7 +3,6 @@
 #include <iostream>
 #include <sstream>
 
-#include "common/CalibrationException.h"
 #include "common/SamplingException.h"
 #include "files/TemporaryFolder.h"
 #include "sensors/ExpectThrow.h"
@@ -57,10 +56,7 @@ TEST(AlsProcess, TakesLevelsThatFitTheOnesBefore) {
 }
 
 TEST(AlsProcess, FollowsTheLight) {
-    struct Part {
-        int count;
-        double first, second;
-    };
+    using Part = std::tuple<int, double, double>;  // a number of samples from one value to another and back
     const double nan = 0.0 / 0.0;
     const Part rest{102, 100, 100};
     const Part next{102, 500, 500};
@@ -86,8 +82,8 @@ TEST(AlsProcess, FollowsTheLight) {
         run.add();
         run.interval = interval;
         const std::string thrown = textOf<SamplingException>([&run, &script = parts] {
-            for (const Part& part : script)
-                run.feed(part.count, part.first, part.second);
+            for (const auto& [count, first, second] : script)
+                run.feed(count, first, second);
         });
         std::string spans;
         for (const std::int32_t index : run.process.stepLevels)
@@ -111,11 +107,9 @@ TEST(AlsProcess, WaitsForTheOperatorInEveryStage) {
 TEST(AlsProcess, FinishEvensTheSensorsOut) {
     using Counts = std::vector<std::pair<std::uint8_t, std::size_t>>;  // instance and number of samples
     using Span = std::vector<std::int32_t>;
-    for (const auto& [counts, size, span] :
-         std::vector<std::tuple<Counts, std::size_t, Span>>{{{{0, 5}}, 5, {1, 4}},
-                                                            {{{0, 3}, {1, 5}}, 3, {1, 4}},
-                                                            {{{1, 4}, {0, 5}}, 4, {0, 3}},
-                                                            {{{0, 5}, {1, 3}, {2, 4}}, 3, {-1, 2}}}) {
+    using Row = std::tuple<Counts, std::size_t, Span>;
+    for (const auto& [counts, size, span] : {Row{{{0, 5}}, 5, {1, 4}}, Row{{{0, 3}, {1, 5}}, 3, {1, 4}},
+                                             Row{{{1, 4}, {0, 5}}, 4, {0, 3}}, Row{{{0, 5}, {1, 3}, {2, 4}}, 3, {-1, 2}}}) {
         LightRun run(1);
         run.process.stepLevels = {1, 4};
         for (const auto& [instance, count] : counts)

@@ -2,28 +2,27 @@
 
 #include <gtest/gtest.h>
 
-#include "common/CalibrationException.h"
+#include <iostream>
+#include <sstream>
+
+#include "control/PreTestProcess.h"
+#include "control/SensorManager.h"
 #include "sensors/createSensor.h"
 #include "sensors/ExpectThrow.h"
-#include "sensors/FakeRun.h"
+#include "sensors/MagneticField.h"
 
 namespace tavoren {
 namespace {
 
 TEST(NewMotionProcess, TellsTheOperatorWhatToDo) {
-    struct Row {
-        SequenceKind kind;
-        bool both;  // sensors, else the accelerometer alone
-        int step;
-        bool noEnter;
-        std::string text;
-    };
+    using Row = std::tuple<SequenceKind, bool, int, bool, std::string>;
     const std::string hold = "\nHold system in current position";
     const std::string tablet = "\nNOTE:\nDevice should be placed in tablet mode, screen facing up";
     const std::string place = "Place the device screen's ";
     const std::string turn = "Slowly, rotate the device ";
     const std::string end = " axis\nAt the end of this stage, the device's ";
-    for (const Row& row : {
+    for (const auto& [kind, both, step, noEnter, text] : {
+             // both sensors, else the accelerometer alone
              Row{SequenceKind::full, true, 0, false,
                  "Step 1 out of 7.\n" + place + "Z axis directed UP, Y axis directed to North" + hold + tablet +
                      "\nPress Enter when done"},
@@ -42,44 +41,71 @@ TEST(NewMotionProcess, TellsTheOperatorWhatToDo) {
                  "Step 3 out of 4.\n" + turn + "90 degrees counterclockwise around Z" + end +
                      "Z axis directed UP, Y axis directed to South" + hold},
          }) {
-        NewMotionProcess process(row.kind);
+        NewMotionProcess process(kind);
         process.addSensor(createSensor(staticAccelerometer));
-        if (row.both)
+        if (both)
             process.addSensor(createSensor(staticGyroscope));
         process.prepareSteps();
-        process.currentStep = row.step;
-        EXPECT_EQ(process.getInstructions(row.noEnter), row.text);
-        EXPECT_EQ(process.needsUserInput(), row.step == 0);
+        process.currentStep = step;
+        EXPECT_EQ(process.getInstructions(noEnter), text);
+        EXPECT_EQ(process.needsUserInput(), step == 0);
         EXPECT_EQ(process.segmentTimes.size(), 2 * static_cast<std::size_t>(process.stepCount));
-        EXPECT_TRUE(row.step == 0 || textOf<CalibrationException>([&] { process.readUserInput(); }) == "Internal error");
+        EXPECT_TRUE(step == 0 || textOf<CalibrationException>([&] { process.readUserInput(); }) == "Internal error");
     }
 }
 
 TEST(NewMotionProcess, NeedsItsOwnSensor) {
-    const auto accelerometer = createSensor(staticAccelerometer);
-    const auto gyroscope = createSensor(staticGyroscope);
-    EXPECT_FALSE(NewMotionProcess(SequenceKind::full).addSensor(gyroscope));
-    EXPECT_TRUE(NewMotionProcess(SequenceKind::minimal).addSensor(gyroscope));
-    NewMotionProcess both(SequenceKind::fourSteps);
-    EXPECT_TRUE(both.addSensor(accelerometer));
-    EXPECT_TRUE(both.addSensor(gyroscope));
-    EXPECT_FALSE(NewMotionProcess(SequenceKind::magAccuracy).addSensor(accelerometer));
-    EXPECT_TRUE(both.isStageIndicator(*createSensor(staticGyroscope)));
-    EXPECT_FALSE(both.isStageIndicator(*createSensor(secondOf(staticGyroscope))));
-    EXPECT_EQ(textOf<CalibrationException>([&] { both.addSensor(createSensor({.InstanceId = 1})); }),
+    EXPECT_FALSE(NewMotionProcess(SequenceKind::full).addSensor(createSensor(staticGyroscope)));
+    EXPECT_FALSE(NewMotionProcess(SequenceKind::magAccuracy).addSensor(createSensor(staticAccelerometer)));
+    NewMotionProcess process(SequenceKind::minimal);
+    EXPECT_TRUE(process.addSensor(createSensor(staticGyroscope)));
+    EXPECT_TRUE(process.isStageIndicator(*createSensor(staticGyroscope)));
+    EXPECT_FALSE(process.isStageIndicator(*createSensor(secondOf(staticGyroscope))));
+    EXPECT_EQ(textOf<CalibrationException>([&] { process.addSensor(createSensor({.InstanceId = 1})); }),
               "_2 is invalid type of stageIndicator");
 }
 
 TEST(NewMotionProcess, TheOneStepOfTheMinimalSequenceTakesASecond) {
     NewMotionProcess process(SequenceKind::minimal);
     process.prepareSteps();
-    process.onSample({999.0, {}});
-    EXPECT_EQ(process.stageIndex, -1);
-    process.onSample({1000.0, {}});
-    EXPECT_EQ(process.stageIndex, 1);
-    EXPECT_TRUE(process.stepReady.exchange(false));
-    process.onSample({5000.0, {}});
-    EXPECT_FALSE(process.stepReady);
+    for (const auto& [time, stage] : {std::pair{999.0, -1}, {1000.0, 1}, {5000.0, 1}}) {
+        process.onSample({time, {}});
+        EXPECT_EQ(process.stageIndex, stage);
+        EXPECT_EQ(process.stepReady.exchange(false), time == 1000.0);
+    }
+}
+
+// The live runs lead to a verdict.
+TEST(PreTestProcess, AsksForTurnsAndAWalkAndEndsWithoutThem) {
+    SensorManager manager;
+    const auto primary = std::make_shared<Magnetometer>(staticMagnetometer);
+    const auto second = std::make_shared<Magnetometer>(secondOf(staticMagnetometer));
+    const auto process = std::make_shared<PreTestProcess>();
+    manager.setSensors({second, primary});
+    manager.setProcess(process);
+    EXPECT_EQ(process->magnetometer, primary);
+    std::string instructions;
+    for (process->currentStep = 0; process->currentStep < process->stepCount; ++process->currentStep)
+        instructions += process->getInstructions(true) + "\n";
+    EXPECT_EQ(instructions,
+              "Slowly rotate the device 360 degrees around X axis\nPress Enter to signal start and finish\n"
+              "Slowly rotate the device 360 degrees around Y axis\nPress Enter when done\n"
+              "Slowly rotate the device 360 degrees around Z axis\nPress Enter when done\n"
+              "Slowly move the device in a rectangle, keeping the same heading all the time\nPress Enter when done\n");
+
+    std::istringstream nobody;
+    std::streambuf* const keyboard = std::cin.rdbuf(nobody.rdbuf());
+    testing::internal::CaptureStdout();
+    process->readUserInput();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "User pressed for signal start...\n");
+    for (int k = 0; k < 100; ++k)
+        for (const auto& sensor : {second, primary})
+            manager.handleData(sensor, 1000.0 + 10.0 * k, std::array{1.0, 2.0, 3.0});
+    EXPECT_EQ(textOf<CalibrationException>([&] { manager.waitForStepFinish(false); }),
+              "Data collected during rotation phase in mag environment test is abnormal. Make sure "
+              "the movement instructions were followed.");
+    std::cin.rdbuf(keyboard);
+    std::cin.clear();
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <thread>
 
-#include "common/CalibrationException.h"
-#include "control/MovedDevice.h"
 #include "control/Replay.h"
 #include "sensors/Accelerometer.h"
 #include "sensors/ExpectThrow.h"
@@ -34,14 +32,11 @@ class NotingProcess final : public Process {
 };
 
 TEST(SensorManager, OffersPrimarySensorsFirst) {
-    const Luid a = staticAccelerometer;
-    const Luid g = staticGyroscope;
-    const Luid a2 = secondOf(a);
-    for (const auto& [luids, offered] : std::vector<std::pair<std::vector<Luid>, std::vector<std::string>>>{
-             {{a, a2, g}, {"Accelerometer", "Gyroscope", "Accelerometer"}},
-             {{a2, a}, {"Accelerometer_2", "Accelerometer"}},
-             {{a, a2}, {"Accelerometer"}},
-             {{g}, {"Gyroscope", "Accelerometer"}}}) {
+    const Luid a = staticAccelerometer, g = staticGyroscope, a2 = secondOf(a);
+    using Row = std::pair<std::vector<Luid>, std::vector<std::string>>;
+    for (const auto& [luids, offered] :
+         {Row{{a, a2, g}, {"Accelerometer", "Gyroscope", "Accelerometer"}}, Row{{a2, a}, {"Accelerometer_2", "Accelerometer"}},
+          Row{{a, a2}, {"Accelerometer"}}, Row{{g}, {"Gyroscope", "Accelerometer"}}}) {
         SensorManager manager;
         const auto process = std::make_shared<NotingProcess>();
         std::vector<std::shared_ptr<Sensor>> sensors;
@@ -82,7 +77,7 @@ TEST(SensorManager, FailureTableDecidesTheReport) {
 TEST(SensorManager, ReplayMergesByTimeAndTakesTheLaterSensorFirst) {
     Replay replay(SequenceKind::minimal, RunMode::test);
     const auto accelerometer = replay.add(staticAccelerometer, {{0.0, {1, 0, 0}}, {10.0, {1, 0, 0}}, {30.0, {1, 0, 0}}});
-    const auto gyroscope = replay.add(staticGyroscope, {{0.0, {2, 0, 0}}, {20.0, {2, 0, 0}}, {3000000000.0, {2, 0, 0}}});
+    replay.add(staticGyroscope, {{0.0, {2, 0, 0}}, {20.0, {2, 0, 0}}, {3000000000.0, {2, 0, 0}}});
     replay.load();
     const auto process = std::make_shared<NotingProcess>();
     process->type = RunMode::test;

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "control/MovedDevice.h"
+#include "control/Replay.h"
 #include "end_to_end/RunProgram.h"
 #include "files/CsvParser.h"
 #include "sensors/createSensor.h"

@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/CalibrationException.h"
 #include "common/SmhiException.h"
 #include "files/TemporaryFolder.h"
-#include "files/xml/XmlElement.h"
 #include "sensors/createSensor.h"
 #include "sensors/ExpectThrow.h"
 #include "sensors/Sensor.h"
@@ -144,8 +142,6 @@ TEST(CalibrationFile, WritesComputedDataFirstAndFirmwareDataOnRequest) {
     EXPECT_EQ(opaque(false), computed->calibrationData);
     EXPECT_EQ(opaque(true), computed->firmwareData);
     EXPECT_EQ(writeSensorNode(*bare, true), nullptr);
-    EXPECT_EQ(textOf<CalibrationException>([&] { writeCalibrationFile(folder / "none\\f.xml", {}, false); }),
-              "Failed to write to file");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "files/AlsConfig.h"
 #include "files/LineReader.h"
 #include "sensors/createSensor.h"
 #include "sensors/ExpectThrow.h"
@@ -15,7 +16,8 @@ namespace tavoren {
 namespace {
 
 using Samples = std::vector<SensorSample>;
-using Cases = std::vector<std::pair<std::string, std::string>>;
+using Case = std::pair<std::string, std::string>;
+using Cases = std::vector<Case>;
 
 const std::string header = "time[ms],Accelerometer_X[g0],Accelerometer_Y[g0],Accelerometer_Z[g0]\n";
 
@@ -95,20 +97,10 @@ TEST_F(CsvParserTest, Headers) {
 
 TEST_F(CsvParserTest, TimesAreWholeMilliseconds) {
     const std::string largest = "4294967295";
-    for (const auto& [text, time] : Cases{{"12.75", "12"},
-                                          {"0100.0", "64"},
-                                          {"08.5", "0"},
-                                          {"0x1F", "31"},
-                                          {"0x.8", "0"},
-                                          {"1e3", "1"},
-                                          {" +7.9", "7"},
-                                          {"nan", "0"},
-                                          {largest + ".9", largest},
-                                          {"4294967296", largest},
-                                          {"99999999999999999999", largest},
-                                          {"-0.5e-999", "0"},
-                                          {"-1e-400", largest},
-                                          {"1e300", "1"}})
+    for (const auto& [text, time] :
+         {Case{"12.75", "12"}, Case{"0100.0", "64"}, Case{"08.5", "0"}, Case{"0x1F", "31"}, Case{"0x.8", "0"}, Case{"1e3", "1"},
+          Case{" +7.9", "7"}, Case{"nan", "0"}, Case{largest + ".9", largest}, Case{"4294967296", largest},
+          Case{"99999999999999999999", largest}, Case{"-0.5e-999", "0"}, Case{"-1e-400", largest}, Case{"1e300", "1"}})
         EXPECT_EQ(outcomeOf(header + text), time + ".000000 ") << text;
     for (const char* const text : {" ", "1 ", "1.5.2", "1e", "0x"})
         EXPECT_EQ(outcomeOf(header + text + ",1,2,3"), std::string("CSV parsing error. Invalid timestamp value ") + text);
@@ -138,9 +130,9 @@ TEST_F(CsvParserTest, LineFormsThatPass) {
 }
 
 TEST_F(CsvParserTest, NamesOfTheWriter) {
-    for (const auto& [basePath, name] :
-         Cases{{"a.csv", "aA.csv"}, {"a.csv2", "aA.csv2"}, {"a.CSV", "a.CSVA"}, {"a.b\\c", "a.b\\cA"}})
-        EXPECT_EQ(CsvParser::sensorFileName(basePath, "A"), name);
+    for (const auto& [path, name] :
+         {Case{"a.csv", "aA.csv"}, Case{"a.csv2", "aA.csv2"}, Case{"a.CSV", "a.CSVA"}, Case{"a.b\\c", "a.b\\cA"}})
+        EXPECT_EQ(CsvParser::sensorFileName(path, "A"), name);
 }
 
 TEST_F(CsvParserTest, RoundTrip) {
@@ -175,28 +167,49 @@ TEST_F(CsvParserTest, LongRecordingsCrossPieceBorders) {
     EXPECT_TRUE(std::equal(samples.begin(), samples.end(), back.begin(), back.end()));
 }
 
-TEST_F(CsvParserTest, TruncationEndsInATextOrInSamples) {
-    const std::string dump =
-        "LUID=0073000000000002\nFORMFACTOR=SWIVEL\nHINGE=TOP\n" + header + "0.000000,0.995427,-0.045492,-0.008361\n";
-    for (std::size_t length = 0; length < dump.size(); ++length) {
-        const std::string outcome = outcomeOf(dump.substr(0, length));
-        const bool wholeHeader = length >= dump.find("0.000000") - 1;
-        EXPECT_TRUE(wholeHeader ? outcome.empty() || outcome.starts_with("0.000000") ||
-                                      outcome.starts_with("Unexpected number of values") ||
-                                      outcome == "CSV parsing error. Invalid value -"
-                                : outcome.starts_with("Unexpected") || outcome.starts_with("Invalid header") ||
-                                      outcome.ends_with(" is empty"))
-            << length << ": " << outcome;
-    }
+/// What reading the file gives: "levels / delay", or the failure.
+std::string levelsOf(const std::string& path) {
+    AlsConfig config{7, {}};
+    std::string text = textOf<CalibrationException>([&] { CsvParser().readAlsConfig(path, config); });
+    if (text != "(nothing thrown)")
+        return text;
+    text.clear();
+    for (const std::int32_t level : config.values)
+        text += std::to_string(level) + " ";
+    return text + "/ " + std::to_string(config.delayTime);
 }
 
-TEST_F(CsvParserTest, UnwritableDumpsLeaveNothing) {
-    const SensorDataMap data{{accelerometer(), SampleBuffer(Samples{{0, {1, 2, 3}}})}};
-    std::filesystem::create_directories(folder.path / "dAccelerometer.csv");
-    for (const char* const basePath : {"absent\\d.csv", "d.csv"})
-        CsvParser().writeToFile(folder / basePath, data, {});
-    const std::filesystem::directory_iterator entries(folder.path);
-    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+TEST(AlsConfigTest, Files) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "light.txt";
+    const std::string nothing = "Invalid configuration file " + path;
+    const std::string format =
+        "Invalid value in the configuration file. The format should be "
+        "\"values=list of comma separated values\" or \"delay_time=value\"";
+    const std::string order = "Invalid values in configuration file. Values should be in ascending or descending order";
+    const std::string step = "Invalid delta between values in configuration file. Minimum delta should be 300";
+    for (const auto& [content, outcome] : Cases{
+             {"values=100,500,1000\ndelay_time=3\n", "100 500 1000 / 3"},
+             {"# note\r\n\r\n values =\t1000 , 500,100\r\ndelay_time= 50 \r\n", "1000 500 100 / 50"},
+             {"values=1\nvalues=400,100\na=b=c\nvalues=\n", "400 100 / 7"},
+             {"values=500,+900,", "500 900 / 7"},
+             {"delay_time=10\n", nothing},
+             {"Values=100", format},
+             {"# values=100", format},
+             {"values==", "Invalid number of values in configuration file. Minimum number of values is 1"},
+             {"values=-99999999999", "Invalid light value in configuration file -2147483648. value should be bigger than 1"},
+             {"values=100,5x", "Conversion error. Value 5x is not a valid number"},
+             {"values=100,1000,1000", order},
+             {"values=100,399", step},
+             {"values=9\ndelay_time=2", "Invalid delay time. Minimum delay time is 3 seconds."},
+             {"delay_time=51", "Invalid delay time. Maximum delay time is 50 seconds."},
+             {std::string(std::size_t{2} << 20, '#'), "Line too long at input file " + path},
+         }) {
+        folder.write("light.txt", content);
+        EXPECT_EQ(levelsOf(path), outcome) << content.substr(0, 80);
+    }
+    for (const std::string& name : {folder / "absent.txt", folder.path.string()})
+        EXPECT_EQ(levelsOf(name), "Cannot read input file " + name);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <type_traits>
 
 #include "firmware/SmhiPublishBuffer.h"
 #include "firmware/SmhiRequests.h"
@@ -23,29 +24,21 @@ ByteString joined(std::initializer_list<ByteString> parts) {
 template <typename Record>
 class SmhiRecords : public testing::Test {};
 
-/// A record with every field filled, and its bytes.
-template <typename Record>
-std::pair<Record, ByteString> example();
-
-template <>
-std::pair<SmhiHeader, ByteString> example() {
+// Each record with every field filled, and its bytes.
+std::pair<SmhiHeader, ByteString> example(std::type_identity<SmhiHeader>) {
     return {{.command = 12, .is_response = true, .status = 5}, {0x8C, 0, 0, 5}};
 }
-template <>
-std::pair<SmhiResetRequest, ByteString> example() {
+std::pair<SmhiResetRequest, ByteString> example(std::type_identity<SmhiResetRequest>) {
     return {{}, {2, 0, 0, 0}};
 }
-template <>
-std::pair<SmhiGetRequest, ByteString> example() {
+std::pair<SmhiGetRequest, ByteString> example(std::type_identity<SmhiGetRequest>) {
     return {{.luid = accelerometer, .selector = SmhiSelector::pdt}, joined({{4, 0, 0, 0}, accelerometerBytes, {0x00, 0x04}})};
 }
-template <>
-std::pair<SmhiSetPropertyRequest, ByteString> example() {
+std::pair<SmhiSetPropertyRequest, ByteString> example(std::type_identity<SmhiSetPropertyRequest>) {
     return {{.luid = accelerometer, .property = 0x0316, .value = {2}},
             joined({{10, 0, 0, 0}, accelerometerBytes, {0x16, 0x03, 1, 0, 2}})};
 }
-template <>
-std::pair<SmhiSetCalibrationRequest, ByteString> example() {
+std::pair<SmhiSetCalibrationRequest, ByteString> example(std::type_identity<SmhiSetCalibrationRequest>) {
     return {{.luid = accelerometer, .calibrationData = {7, 9}},
             joined({{5, 0, 0, 0},
                     accelerometerBytes,
@@ -53,16 +46,13 @@ std::pair<SmhiSetCalibrationRequest, ByteString> example() {
                     accelerometerBytes,
                     {6, 0, 0x00, 0x01, 2, 0, 2, 0, 7, 9}})};
 }
-template <>
-std::pair<SmhiSessionControlRequest, ByteString> example() {
+std::pair<SmhiSessionControlRequest, ByteString> example(std::type_identity<SmhiSessionControlRequest>) {
     return {{.state = SmhiSessionControlRequest::stop, .luids = {}}, joined({{12, 0, 0, 0, 1, 1, 0}, ByteString(8)})};
 }
-template <>
-std::pair<SmhiCalibrationResponse, ByteString> example() {
+std::pair<SmhiCalibrationResponse, ByteString> example(std::type_identity<SmhiCalibrationResponse>) {
     return {{.calibrationData = {1, 2, 3}}, joined({{0x84, 0, 0, 0}, ByteString(18), {3, 0, 1, 2, 3}})};
 }
-template <>
-std::pair<SmhiSensorListResponse, ByteString> example() {
+std::pair<SmhiSensorListResponse, ByteString> example(std::type_identity<SmhiSensorListResponse>) {
     return {{.groups = {{accelerometer}, {gyroscope, accelerometer}}},
             joined({{0x84, 0, 0, 0, 0, 0, 0, 0, 2, 0},
                     ByteString(11),
@@ -72,12 +62,10 @@ std::pair<SmhiSensorListResponse, ByteString> example() {
                     {2, 118, 0, 0, 0, 0, 0, 0, 2},
                     accelerometerBytes})};
 }
-template <>
-std::pair<SmhiPdtResponse, ByteString> example() {
+std::pair<SmhiPdtResponse, ByteString> example(std::type_identity<SmhiPdtResponse>) {
     return {{.formFactor = 3, .hinge = 4}, {0x84, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0, 0, 0, 4}};
 }
-template <>
-std::pair<SmhiPropertyResponse, ByteString> example() {
+std::pair<SmhiPropertyResponse, ByteString> example(std::type_identity<SmhiPropertyResponse>) {
     return {{.value = 0x01020304}, {0x89, 0, 0, 0, 0, 0, 0, 0, 4, 3, 2, 1}};
 }
 
@@ -86,8 +74,13 @@ using Records = testing::Types<SmhiHeader, SmhiResetRequest, SmhiGetRequest, Smh
                                SmhiPropertyResponse>;
 TYPED_TEST_SUITE(SmhiRecords, Records);
 
+// A start has no list of sensors.
+TEST(SmhiSessionControl, AStartIsSevenBytes) {
+    EXPECT_EQ(SmhiSessionControlRequest{}.encode(), (ByteString{12, 0, 0, 0, 1, 0, 0}));
+}
+
 TYPED_TEST(SmhiRecords, HaveTheirBytesAndNeedThemAll) {
-    const auto& [record, bytes] = example<TypeParam>();
+    const auto& [record, bytes] = example(std::type_identity<TypeParam>());
     EXPECT_EQ(record.encode(), bytes);
     EXPECT_EQ(TypeParam::decode(bytes), record);
     EXPECT_EQ(TypeParam::decode(joined({bytes, {1, 2, 3}})), record);
@@ -95,12 +88,8 @@ TYPED_TEST(SmhiRecords, HaveTheirBytesAndNeedThemAll) {
         EXPECT_FALSE(TypeParam::decode(ByteString(bytes.begin(), bytes.begin() + std::ptrdiff_t(size)))) << size;
 }
 
-TEST(SmhiSessionControl, AStartIsSevenBytes) {
-    EXPECT_EQ(SmhiSessionControlRequest{}.encode(), (ByteString{12, 0, 0, 0, 1, 0, 0}));
-}
-
 TEST(SmhiSetCalibration, LengthsThatContradictAreRefused) {
-    const ByteString bytes = example<SmhiSetCalibrationRequest>().second;
+    const ByteString bytes = example(std::type_identity<SmhiSetCalibrationRequest>()).second;
     for (const std::size_t at : {16U, 19U, 20U, 28U, 30U, 32U, 34U}) {
         ByteString lying = joined({bytes, ByteString(300)});
         ++lying[at];
@@ -128,18 +117,13 @@ TEST(SmhiPublishBuffer, IsCutToWhatIsThere) {
 TEST(SmhiSampleRecord, HasSixtyFourBitTimesAndSignedValues) {
     ByteString payload;
     SmhiSampleRecord::append(payload, accelerometer, 0xFEDCBA9876543210, std::array{-1, 2147483647, -2147483647 - 1});
-    ASSERT_EQ(payload.size(), 29U);
-    EXPECT_EQ(payload[0], 29);
+    EXPECT_EQ(payload, joined({{29}, accelerometerBytes, {0x10, 0x32, 0x54, 0x76, 0x98, 0xBA, 0xDC, 0xFE, 255, 255,
+                                                          255,  255,  255,  255,  255,  127,  0,    0,    0,   128}}));
     ByteSpan rest(payload);
     const auto record = SmhiSampleRecord::takeFrom(rest);
-    ASSERT_TRUE(record);
-    EXPECT_TRUE(rest.empty());
-    EXPECT_EQ(record->luid, accelerometer.value());
-    EXPECT_EQ(record->timeStamp, 0xFEDCBA9876543210);
-    ASSERT_EQ(record->valueCount(), 3U);
-    EXPECT_EQ(record->value(0), -1);
-    EXPECT_EQ(record->value(1), 2147483647);
-    EXPECT_EQ(record->value(2), -2147483647 - 1);
+    ASSERT_TRUE(record && rest.empty());
+    EXPECT_EQ((std::tuple{record->luid, record->timeStamp, record->valueCount(), record->value(0), record->value(2)}),
+              (std::tuple{accelerometer.value(), 0xFEDCBA9876543210U, 3U, -1, -2147483647 - 1}));
 }
 
 }  // namespace

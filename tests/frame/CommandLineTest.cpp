@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <sstream>
 
 #include "common/CmdLineException.h"
@@ -16,20 +17,13 @@ namespace {
 
 const std::string accepted = "(nothing thrown)";
 
-std::vector<std::string> split(const std::string& text) {
-    std::istringstream words(text);
-    std::vector<std::string> list;
-    for (std::string word; words >> word;)
-        list.push_back(word == "''" ? "" : word);
-    return list;
-}
-
 /// What `parse` says to the arguments.
 std::string verdict(CommandLine& line, const std::string& arguments) {
+    std::istringstream text(arguments);
+    const std::vector<std::string> words(std::istream_iterator<std::string>(text), {});
     std::vector<const char*> argv{"C:\\tools\\tool.exe"};
-    const std::vector<std::string> words = split(arguments);
     for (const std::string& word : words)
-        argv.push_back(word.c_str());
+        argv.push_back(word == "''" ? "" : word.c_str());
     return textOf<CmdLineException>([&] { line.parse(static_cast<int>(argv.size()), argv.data()); });
 }
 
@@ -63,10 +57,11 @@ TEST_F(CommandLineTest, AcceptsWhatFits) {
     for (const std::string sensors :
          {"A", "gma", "GM", "als", "ALS", "motion", "A -NoEnter 4294967296", "A -SamplingInterval ''", "AG -NoGyroRotation"})
         expectVerdicts({{"-UpdateTVN -Calibrate " + sensors, ""}});
-    for (const std::string test : {"A -Minimal -UseRawData d", "M -MagAccuracyTest"})
-        expectVerdicts({{"-TestCalibration " + test, ""}});
-    expectVerdicts({{"-CalibrateOffline AGM -FourSteps" + replay, ""}, {"-CalibrateOffline ALS" + replay + " -Auto " + txt, ""}});
-    expectVerdicts({{"-ExportAllFiles " + std::string(255, 'x') + " -MagTest", ""}, {"-ExportXml xml", ""}});
+    for (const std::string& line :
+         {std::string("-TestCalibration A -Minimal -UseRawData d"), std::string("-TestCalibration M -MagAccuracyTest"),
+          std::string("-ExportXml xml"), "-CalibrateOffline AGM -FourSteps" + replay,
+          "-CalibrateOffline ALS" + replay + " -Auto " + txt, "-ExportAllFiles " + std::string(255, 'x') + " -MagTest"})
+        expectVerdicts({{line, ""}});
 }
 
 TEST_F(CommandLineTest, JudgesEachArgumentByItself) {
@@ -178,12 +173,9 @@ TEST(CommandLine, AnswersQueries) {
     CommandLine line;
     ASSERT_EQ(verdict(line, "-calibrate AG -updateTVN -NOENTER 20"), accepted);
     const CommandLine copy = line;
-    EXPECT_TRUE(copy.isSet("UPDATEtvn"));
-    EXPECT_FALSE(copy.isSet("Calibrat"));
-    EXPECT_EQ(copy.value("Calibrate"), "AG");
-    EXPECT_EQ(copy.value("calibrate"), "");
-    EXPECT_EQ(copy.value("NoEnter"), "20");
-    EXPECT_EQ(copy.value("UpdateTVN"), "");
+    EXPECT_TRUE(copy.isSet("UPDATEtvn") && !copy.isSet("Calibrat"));
+    for (const auto& [name, value] : {std::pair{"Calibrate", "AG"}, {"calibrate", ""}, {"NoEnter", "20"}, {"UpdateTVN", ""}})
+        EXPECT_EQ(copy.value(name), value);
     EXPECT_NE(verdict(line, "-MagTest -Minimal"), accepted);
     EXPECT_FALSE(line.isSet("Calibrate")) << "a second parse starts anew";
 }

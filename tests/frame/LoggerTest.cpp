@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <iostream>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
 #include "files/TemporaryFolder.h"
 #include "frame/Console.h"
 #include "frame/LogScope.h"
+#include "frame/VerdictColor.h"
 #include "platform/Files.h"
 
 namespace tavoren {
@@ -23,6 +26,33 @@ std::string textOf(const MemoryLog& log) {
     return text;
 }
 
+TEST(Console, WideAndNarrowTextKeepTheirOrder) {
+    testing::internal::CaptureStdout();
+    Console::printWide(L"\u00e9\U0001F600");
+    Console::print("a");
+    Console::printWideLine(std::wstring{L'b', wchar_t{0xDC00}});
+    {
+        const VerdictColor color(false);  // no terminal: no escape bytes
+        Console::printLine("FAILED");
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "\xC3\xA9\xF0\x9F\x98\x80"
+              "ab\xEF\xBF\xBD\nFAILED\n");
+}
+
+TEST(Console, ReadsOneCharacterOrLineUntilTheEnd) {
+    std::istringstream input("x\nline\r\nlast");
+    std::streambuf* const keyboard = std::cin.rdbuf(input.rdbuf());
+    EXPECT_EQ(Console::readCharacter(), 'x');
+    EXPECT_EQ(Console::readCharacter(), '\n');
+    EXPECT_EQ(Console::readLine(), "line");
+    EXPECT_EQ(Console::readLine(), "last");
+    EXPECT_EQ(Console::readLine(), std::nullopt);
+    EXPECT_EQ(Console::readCharacter(), std::nullopt);
+    std::cin.rdbuf(keyboard);
+    std::cin.clear();
+}
+
 /// What `action` prints on the console.
 template <typename Action>
 std::string printed(Action action) {
@@ -32,49 +62,32 @@ std::string printed(Action action) {
     return testing::internal::GetCapturedStdout();
 }
 
-TEST(MemoryLog, KeepsEntriesInOrder) {
+TEST(MemoryLog, ReadsAsWritten) {
     MemoryLog log;
-    const Trace outer{"A::b", 7};
+    const Trace outer{"A::b", 7}, shared{"C::d", 8, TraceForm::entered, nullptr, LogLevel::debug},
+        other{"C::d", 9, TraceForm::entered};
+    const Trace stop{"S::stop", 10, TraceForm::enter, "S::stop()"};
+    const std::string start = "[C::d][8][DEBUG]: Entered C::d\n", pair = start + "[C::d][8][DEBUG]: Finished C::d\n";
     log.open(outer);
     log.append(LogLevel::sensorData, "F::g", 4294967295U, "two words");
-    for (const Trace& trace :
-         {Trace{"C::d", 8, TraceForm::entered, nullptr, LogLevel::debug}, Trace{"S::stop", 9, TraceForm::enter, "S::stop()"}}) {
+    std::string pairs;
+    for (int i = 0; i < 600; ++i, pairs += pair) {
+        log.open(shared);
+        log.close(shared);
+    }
+    log.open(shared);  // left by an exception
+    for (const Trace& trace : {shared, other, stop}) {
         log.open(trace);
         log.close(trace);
     }
+    log.close(other);
     log.append(LogLevel::warning, "", 0, "");
     log.close(outer);
-    EXPECT_EQ(textOf(log),
-              "[A::b][7][INSANE]: Started A::b\n"
-              "[F::g][4294967295][SENSOR DATA]: two words\n"
-              "[C::d][8][DEBUG]: Entered C::d\n"
-              "[C::d][8][DEBUG]: Finished C::d\n"
-              "[S::stop][9][INSANE]: Enter S::stop()\n"
-              "[S::stop][9][INSANE]: Exit S::stop()\n"
-              "[][0][WARNING]: \n"
-              "[A::b][7][INSANE]: Finished A::b\n");
-}
-
-TEST(MemoryLog, SharedRecordsReadAsWritten) {
-    MemoryLog log;
-    std::string expected;
-    const Trace sample{"S::sample", 1, TraceForm::entered};
-    const Trace other{"S::sample", 2, TraceForm::entered};
-    const auto pair = [&](const Trace& trace) {
-        const std::string start = "[S::sample][" + std::to_string(trace.line) + "][INSANE]: ";
-        log.open(trace);
-        log.close(trace);
-        expected += start + "Entered S::sample\n" + start + "Finished S::sample\n";
-    };
-    for (int i = 0; i < 600; ++i)
-        pair(sample);
-    log.open(sample);  // left by an exception
-    expected += "[S::sample][1][INSANE]: Entered S::sample\n";
-    pair(sample);
-    pair(other);
-    log.close(other);
-    expected += "[S::sample][2][INSANE]: Finished S::sample\n";
-    EXPECT_EQ(textOf(log), expected);
+    EXPECT_EQ(textOf(log), "[A::b][7][INSANE]: Started A::b\n[F::g][4294967295][SENSOR DATA]: two words\n" + pairs + start +
+                               pair +
+                               "[C::d][9][INSANE]: Entered C::d\n[C::d][9][INSANE]: Finished C::d\n"
+                               "[S::stop][10][INSANE]: Enter S::stop()\n[S::stop][10][INSANE]: Exit S::stop()\n"
+                               "[C::d][9][INSANE]: Finished C::d\n[][0][WARNING]: \n[A::b][7][INSANE]: Finished A::b\n");
 }
 
 class LoggerTest : public testing::Test {
@@ -90,23 +103,20 @@ class LoggerTest : public testing::Test {
     const TemporaryFolder folder;
 };
 
-TEST_F(LoggerTest, ErrorsReachTheConsoleToo) {
-    EXPECT_EQ(printed([] { Logger::write(LogLevel::error, "Test::first", 3, "bad"); }), "[ERROR]: bad\n");
-    EXPECT_EQ(printed([] { Logger::write(LogLevel::warning, "Test::first", 4, "odd"); }), "");
-    EXPECT_EQ(savedFrom("[3][ERROR]"), "[Test::first][3][ERROR]: bad\n[Test::first][4][WARNING]: odd\n");
-}
-
-TEST_F(LoggerTest, ScopeIsClosedUnlessAnExceptionLeavesIt) {
+TEST_F(LoggerTest, ErrorsReachTheConsoleAndExceptionsLeaveScopesOpen) {
     const auto fail = [] {
         const LogScope scope("Test::fail", 20, LogLevel::info);
         throw std::runtime_error("");
     };
     {
         const LogScope scope("Test::outer", 10);
+        EXPECT_EQ(printed([] { Logger::write(LogLevel::error, "Test::first", 3, "bad"); }), "[ERROR]: bad\n");
+        EXPECT_EQ(printed([] { Logger::write(LogLevel::warning, "Test::first", 4, "odd"); }), "");
         EXPECT_THROW(fail(), std::runtime_error);
     }
     EXPECT_EQ(savedFrom("Started Test::outer"),
               "[Test::outer][10][INSANE]: Started Test::outer\n"
+              "[Test::first][3][ERROR]: bad\n[Test::first][4][WARNING]: odd\n"
               "[Test::fail][20][INFO]: Started Test::fail\n"
               "[Test::outer][10][INSANE]: Finished Test::outer\n");
 }

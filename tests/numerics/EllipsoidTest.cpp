@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "common/MathException.h"
 #include "numerics/NormalEquations.h"
+#include "numerics/PlanarEllipseFit.h"
 
 namespace tavoren {
 namespace {
@@ -59,12 +59,8 @@ TEST(EllipsoidTest, NormalEquationsHaveTheDigitsOfTheDesignMatrix) {
 }
 
 TEST(EllipsoidTest, DegenerateSamplesAreRefused) {
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const std::vector<SensorSample> point(20, {0.0, {1.0, 2.0, 3.0}});
-    const std::vector<SensorSample> hole = {{0.0, {1.0, nan, 3.0}}, {1.0, {}}};
-    const Matrix flat(3, 3, {1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0});
-    const auto huge = samplesOn(identity(3) * 1e200, Vector(3));
-    for (const auto& samples : {point, hole, huge, samplesOn(flat, Vector(3)), {}})
+    const std::vector<SensorSample> hole = {{0.0, {1.0, std::nan(""), 3.0}}, {1.0, {}}};
+    for (const auto& samples : {hole, samplesOn(identity(3) * 1e200, Vector(3)), {}})
         EXPECT_THROW(Ellipsoid(samples, 1.0), MathException) << samples.size();
     std::vector<SensorSample> hyperboloid;
     for (const SensorSample& sample : samplesOn(identity(3), Vector(3))) {
@@ -74,6 +70,45 @@ TEST(EllipsoidTest, DegenerateSamplesAreRefused) {
     }
     EXPECT_THROW(Ellipsoid().fit(hyperboloid), MathException);
     EXPECT_TRUE(std::isnan(Ellipsoid().meanRadialError({}, 1.0)));
+}
+
+TEST(PlanarEllipseFitTest, FindsCentreAndSemiAxes) {
+    const Vector origin = {10.0, -20.0, 30.0};
+    const Vector u = normalized(Vector{1.0, 2.0, -1.0});
+    const Vector v = normalized(vector3CrossProduct(u, {0.0, 1.0, 0.0}));
+    using Row = std::tuple<double, double, double, Vector>;
+    for (const auto& [a, b, tilt, middle] : {Row{3.0, 3.0, 0.0, {0.0, 0.0}}, Row{4.0, 2.0, 0.0, {5.0, -1.0}},
+                                             Row{4.0, 2.0, 0.5, {-3.0, 2.0}}, Row{1.0, 1.2, -0.7, {0.5, 0.5}}}) {
+        std::vector<SensorSample> samples;
+        const Matrix turn(2, 2, {std::cos(tilt), -std::sin(tilt), std::sin(tilt), std::cos(tilt)});
+        for (double t = 0.0; t < 6.2; t += 0.05) {
+            const Vector p = turn * Vector{a * std::cos(t), b * std::sin(t)} + middle;
+            samples.push_back({0.0, SampleValues(origin + u * p[0] + v * p[1])});
+        }
+        PlanarEllipse ellipse;
+        Vector centre;
+        fitPlanarEllipse(samples, ellipse, centre);
+        EXPECT_LT(maxAbs(centre - (origin + u * middle[0] + v * middle[1])), 5e-3) << listText(centre);
+        const Vector& scales = ellipse.principalScales;
+        EXPECT_NEAR(scales[0] + scales[1], a + b, 5e-3);
+        EXPECT_NEAR(scales[0] * scales[1], a * b, 0.02);
+    }
+}
+
+TEST(PlanarEllipseFitTest, OtherConicsAndTooFewPoints) {
+    std::vector<Vector> hyperbola;
+    for (const double t : {-1.5, -1.0, -0.5, 0.0, 0.5, 1.0, 1.5}) {
+        hyperbola.push_back({std::cosh(t), std::sinh(t)});
+        hyperbola.push_back({-std::cosh(t), std::sinh(t)});
+    }
+    PlanarEllipse ellipse;
+    Vector centre;
+    EXPECT_THROW(fit_ellipse(hyperbola, ellipse, centre), MathException);
+    for (std::size_t count = 0; count < 6; ++count) {
+        const std::vector<SensorSample> samples(count, {0.0, {1.0, 2.0, 3.0}});
+        fitPlanarEllipse(samples, ellipse, centre);
+        EXPECT_FALSE(std::isfinite(norm(centre))) << count;
+    }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "common/CalibrationException.h"
 #include "common/Text.h"
+#include "numerics/Interpolation.h"
 
 namespace tavoren {
 namespace {
@@ -26,15 +27,6 @@ std::vector<SensorSample> randomSamples(std::size_t count, unsigned seed) {
     return samples;
 }
 
-double exactDeviation(const std::vector<double>& values) {
-    const auto n = static_cast<long double>(values.size());
-    const long double mean = std::accumulate(values.begin(), values.end(), 0.0L) / n;
-    long double total = 0.0L;
-    for (const double x : values)
-        total += (x - mean) * (x - mean);
-    return static_cast<double>(std::sqrt(total / n));
-}
-
 TEST(StatisticsTest, AxisStatisticsAgreeWithASlowComputation) {
     const auto samples = randomSamples(300, 5);
     for (const IndexRange range : {IndexRange{0, 299}, {17, 18}, {40, 251}, {9, 9}}) {
@@ -47,7 +39,10 @@ TEST(StatisticsTest, AxisStatisticsAgreeWithASlowComputation) {
                 axis.push_back(samples[static_cast<std::size_t>(i)].values[k]);
             std::sort(axis.begin(), axis.end());
             widest = std::max(widest, axis.back() - axis.front());
-            noisiest = std::max(noisiest, exactDeviation(axis));
+            const double mean = std::accumulate(axis.begin(), axis.end(), 0.0) / static_cast<double>(axis.size());
+            const double squares =
+                std::inner_product(axis.begin(), axis.end(), axis.begin(), 0.0) / static_cast<double>(axis.size());
+            noisiest = std::max(noisiest, std::sqrt(squares - mean * mean));
             EXPECT_EQ(medians[static_cast<int>(k)], (axis[(axis.size() - 1) / 2] + axis[axis.size() / 2]) / 2.0);
         }
         EXPECT_EQ(maxAxisRange(samples, range), widest);
@@ -56,13 +51,10 @@ TEST(StatisticsTest, AxisStatisticsAgreeWithASlowComputation) {
 }
 
 TEST(StatisticsTest, Medians) {
-    const std::vector<std::pair<std::vector<double>, std::string>> cases = {{{1.0, 10.0, 3.0, 2.0}, "2.500000"},
-                                                                            {{10.0, 1.0, 2.0}, "2.000000"},
-                                                                            {{nan, 3.0, 1.0}, "3.000000"},
-                                                                            {{nan, nan, 7.0, 1.0, 5.0}, "7.000000"},
-                                                                            {{nan, 2.0}, "nan"},
-                                                                            {{}, "nan"}};
-    for (const auto& [values, result] : cases)
+    using Case = std::pair<std::vector<double>, std::string>;
+    for (const auto& [values, result] :
+         {Case{{1.0, 10.0, 3.0, 2.0}, "2.500000"}, Case{{10.0, 1.0, 2.0}, "2.000000"}, Case{{nan, 3.0, 1.0}, "3.000000"},
+          Case{{nan, nan, 7.0, 1.0, 5.0}, "7.000000"}, Case{{nan, 2.0}, "nan"}, Case{{}, "nan"}})
         EXPECT_EQ(formatNumber(median(values)), result);
     const std::vector<SensorSample> uneven = {{0.0, {4.0, 6.0}}, {1.0, {2.0}}, {2.0, {9.0, 5.0}}};
     EXPECT_EQ(listText(medianOfRange(uneven, {0, 2})), "4.000000,5.000000;");
@@ -89,6 +81,41 @@ TEST(StatisticsTest, RangesOutsideOfTheBufferAreRefused) {
         EXPECT_THROW(medianOfRange(samples, range), CalibrationException);
     }
     EXPECT_THROW(maxAxisDeviation({}, {0, 0}), CalibrationException);
+}
+
+TEST(InterpolationTest, HoldsTheEndsAndFollowsTheLineBetween) {
+    const std::vector<double> times = {1.0, 2.0, 4.0};
+    const std::vector<double> values = {10.0, 20.0, -20.0};
+    for (const auto& [time, value] : {std::pair{0.0, 10.0}, {1.0, 10.0}, {1.25, 12.5}, {3.0, 0.0}, {4.0, -20.0}, {9.0, -20.0}})
+        EXPECT_EQ(interpolate(times, values, time), value) << time;
+    EXPECT_EQ(interpolate(std::vector{3.0}, std::vector{7.0}, 5.0), 7.0);
+    for (std::size_t size = 2; size <= 9; ++size) {
+        std::vector<double> even(size);
+        std::iota(even.begin(), even.end(), 0.0);
+        for (double time = 0.25; time < even.back(); time += 0.25)
+            EXPECT_EQ(findInterval(even, time), static_cast<int>(time)) << size;
+    }
+}
+
+TEST(InterpolationTest, EndsOnTimesInAnyOrder) {
+    const std::vector<std::vector<double>> lists = {
+        {0.0, 9.0, 2.0, 8.0, 1.0, 10.0}, {0.0, nan, nan, 10.0}, {5.0, 5.0}, {9.0, 0.0}};
+    for (const auto& times : lists) {
+        for (const double t : {-1.0, 0.5, 3.0, 8.5, 20.0, nan}) {
+            const int i = findInterval(times, t);
+            EXPECT_TRUE(i >= 0 && i + 1 < static_cast<int>(times.size())) << t;
+        }
+    }
+}
+
+TEST(InterpolationTest, ResamplesEachAxis) {
+    const std::vector<SensorSample> source = {{0.0, {0.0, 10.0, -1.0}}, {10.0, {20.0, 30.0}}};
+    const std::vector<SensorSample> target = {{-5.0, {}}, {2.5, {1.0}}, {10.0, {}}};
+    const auto result = resampleAtTimes(source, target);
+    ASSERT_EQ(result.size(), 3U);
+    EXPECT_EQ(listText(result[0]) + listText(result[1]), "0.000000,10.000000,-1.000000;5.000000,15.000000,-0.750000;");
+    EXPECT_EQ(listText(result[2]), "20.000000,30.000000,0.000000;");
+    EXPECT_TRUE(resampleAtTimes({}, {}).empty());
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "common/CalibrationException.h"
+
 namespace tavoren {
 
 /// The text of the exception of this type that the action throws; a remark if it throws none.

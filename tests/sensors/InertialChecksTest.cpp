@@ -3,13 +3,11 @@
 #include <functional>
 #include <limits>
 
-#include "common/CalibrationException.h"
 #include "files/xml/XmlAttribute.h"
 #include "files/xml/XmlElement.h"
 #include "sensors/Accelerometer.h"
 #include "sensors/ExpectThrow.h"
 #include "sensors/FakeRun.h"
-#include "sensors/Gyroscope.h"
 
 namespace tavoren {
 namespace {
@@ -124,31 +122,97 @@ TEST(InertialChecks, ShortCheckLooksAtElements) {
         judge(row, SequenceKind::fourSteps, shortCheck);
 }
 
-// Of the layout of the second body the two sensors' tables must tell the same turn of axes.
-TEST(ExpectedValues, TablesOfBothSensorsTellTheSameTurnOfAxes) {
-    for (const std::uint8_t formFactor : {std::uint8_t{0}, std::uint8_t{5}}) {
-        for (std::uint8_t hinge = 0; hinge < 4; ++hinge) {
-            Matrix turn;
-            for (const SequenceKind kind : {SequenceKind::full, SequenceKind::fourSteps}) {
-                FakeRun run(kind);
-                const auto expected = [&](auto sensor) {
-                    sensor->setSensorManager(run);
-                    sensor->formFactor = formFactor;
-                    sensor->hinge = hinge;
-                    sensor->buildExpectedValues();
-                    return sensor->expectedValues;
-                };
-                const Matrix gravity = expected(std::make_shared<Accelerometer>(staticAccelerometer));
-                const Matrix second = expected(std::make_shared<Accelerometer>(secondOf(staticAccelerometer)));
-                if (turn.rows() == 0)
-                    turn = inverse3(subMatrix(gravity, 0, 0, 3, 3)) * subMatrix(second, 0, 0, 3, 3);
-                EXPECT_DOUBLE_EQ(determinant3(turn), 1.0);
-                EXPECT_LT(std::abs(maxMagnitudeEntry(gravity * turn - second)), 1e-6);
-                const Matrix turns = expected(std::make_shared<Gyroscope>(staticGyroscope));
-                const Matrix secondTurns = expected(std::make_shared<Gyroscope>(secondOf(staticGyroscope)));
-                EXPECT_EQ(maxMagnitudeEntry(turns * turn - secondTurns), 0.0) << int{formFactor} << int{hinge};
-            }
+std::string shownBy(const std::function<void()>& action) {
+    testing::internal::CaptureStdout();
+    action();
+    return testing::internal::GetCapturedStdout();
+}
+
+TEST(Asserts, SayWhatIsOffInTheirOwnForms) {
+    const Vector value{1.0, -0.25, 0.0};
+    const Vector expected{1.0, 0.0, 0.0};
+    bool passed = true;
+    EXPECT_EQ(shownBy([&] { passed = InertialSensor::vectorAssert(value, expected, 0.04, L"a test", L"!"); }),
+              "Error in a test\n"
+              "Error in vector assert. Vector:   1.000000  -0.250000   0.000000 \n"
+              " Expected vector:   1.000000   0.000000   0.000000 \n"
+              " distance is bigger than threshold of 0.04 !\n\n");
+    EXPECT_FALSE(passed);
+    EXPECT_TRUE(InertialSensor::vectorAssert(value, expected, 0.25, L"", L""));
+    EXPECT_TRUE(InertialSensor::angleAssert({359.0}, {1.0}, 2.0, L"", L""));
+    EXPECT_FALSE(InertialSensor::angleAssert({358.9}, {1.0}, 2.0, L"", L""));
+    EXPECT_FALSE(InertialSensor::vectorAssert({0.0 / 0.0}, {0.0}, 9.0, L"", L""));
+    EXPECT_FALSE(InertialSensor::vectorAssert({0.0}, {0.0}, 0.0 / 0.0, L"", L""));
+    EXPECT_EQ(shownBy([&] { passed = InertialSensor::doubleAssert(100.0, 1234567.0, 0.5, L"b", L""); }),
+              "Error in b\nError in double assert. Value: 100 Expected value: 1.23457e+06 distance "
+              "is bigger than threshold of 0.5 \n");
+    EXPECT_FALSE(passed);
+    EXPECT_TRUE(InertialSensor::spikeAssert(3, L"", 3));
+    EXPECT_EQ(shownBy([] { InertialSensor::spikeAssert(4, L"c", 3); }), "Error in c\nSpike detection error, spike count: 4\n");
+}
+
+TEST(RestTests, AJumpHidesTheNextOne) {
+    using Row = std::pair<std::vector<double>, int>;
+    for (const auto& [values, spikes] : {Row{{0, 2, 2, 2, 2, 2}, 1}, Row{{0, 2, 0, 0, 0, 0}, 1}, Row{{0, 2, 0, 2, 2, 2}, 2},
+                                         Row{{0, 0, 0, 0, 0, 2}, 1}, Row{{0, 1, 2, 3, 4, 5}, 0}}) {
+        FakeRun run(SequenceKind::fourSteps, RunMode::test);
+        Accelerometer sensor(staticAccelerometer);
+        sensor.setSensorManager(run);
+        run.fillSegments(sensor, 6, [&row = values](int, int k) {
+            return SampleValues{row.at(static_cast<std::size_t>(k)), 0, 0};
+        });
+        EXPECT_EQ(sensor.countSpikes(1, 1.0), spikes);
+    }
+}
+
+/// A four-step test at rest: gravity as expected, but in one step multiplied.
+TEST(RestTests, InnerStepsAreHeldInTheHand) {
+    using Row = std::tuple<int, double, int>;  // step, factor, kind of the failure reported to the manager or -1
+    for (const auto& [changedStep, factor, kind] : {Row{0, 1.0, -1}, Row{0, 1.15, 0}, Row{3, 1.15, 0}, Row{1, 1.15, -1},
+                                                    Row{2, 1.29, -1}, Row{2, 1.31, 0}, Row{1, -1.0, 1}}) {
+        FakeRun run(SequenceKind::fourSteps, RunMode::test);
+        Accelerometer sensor(staticAccelerometer);
+        sensor.setSensorManager(run);
+        sensor.buildExpectedValues();
+        const Matrix gravity = sensor.expectedValues;
+        run.fillSegments(sensor, 8, [&, at = changedStep, change = factor](int segment, int k) {
+            const int step = segment / 2;
+            const double size = step == at ? change : 1.0;
+            const double shake = k % 2 == 0 ? 0.01 : -0.01;
+            return SampleValues{gravity(step, 0) * size + shake, gravity(step, 1) * size, gravity(step, 2) * size};
+        });
+        bool passed = false;
+        shownBy([&] { passed = sensor.testCalibration(); });
+        EXPECT_EQ(passed, kind < 0) << changedStep << factor;
+        ASSERT_EQ(run.failures.count("Accelerometer"), kind < 0 ? 0U : 1U);
+        EXPECT_TRUE(passed || static_cast<int>(run.failures["Accelerometer"]) == kind);
+    }
+}
+
+TEST(RestTests, OnePositionTellsNoiseSpikesAndMean) {
+    using Row = std::tuple<double, double, int, std::string>;
+    for (const auto& [z, shake, spikes, text] : {
+             Row{1.0, 0.001, 0, ""},
+             Row{1.0, 0.0, 3, ""},
+             Row{1.0, 0.0, 4, "[Failure] Spikes number detected on Accelerometer is above allowed threshold of 3\n"},
+             Row{1.0, 0.05, 0,
+                 "[Failure] Noise on Accelerometer sensor exceeded the threshold on axis:Y\n"
+                 "Noise: 0.050000 , maximum allowed is 0.040000\n"},
+             Row{0.5, 0.0, 0,
+                 "[Failure] Average value error in Accelerometer above allowed threshold 0.100000\n"
+                 "Expected:   0.000000   0.000000   1.000000 \nResults:    0.000000   0.000000   0.500000 \n\n"},
+         }) {
+        FakeRun run(SequenceKind::minimal, RunMode::test);
+        Accelerometer sensor(staticAccelerometer);
+        sensor.setSensorManager(run);
+        for (int k = 0; k < 4000; ++k) {
+            const double spike = k < spikes - 1 ? 0.6 : k == 3000 && spikes > 0 ? -0.6 : 0.0;
+            sensor.dataRecieved({10.0 * k, {0.0, k % 2 == 0 ? shake : -shake, z + spike}});
         }
+        bool passed = false;
+        EXPECT_EQ(shownBy([&] { passed = sensor.testCalibration(); }), text);
+        EXPECT_EQ(passed, text.empty());
+        EXPECT_EQ(run.failures.empty(), text.empty());
     }
 }
 

@@ -5,7 +5,6 @@
 #include <limits>
 #include <random>
 
-#include "common/CalibrationException.h"
 #include "sensors/Accelerometer.h"
 #include "sensors/ExpectThrow.h"
 #include "sensors/FakeRun.h"
@@ -46,19 +45,15 @@ TEST(InertialSensor, UndoesWhatTheFirmwareDid) {
     const Vector reported = model.scaleMatrix * model.axisMapping * (raw - model.offset);
     SensorSample sample = sampleAt(0.0, reported[0], reported[1], reported[2]);
     sensor.reverseStaticCalibration(sample);
-    for (int axis = 0; axis < 3; ++axis)  // the record holds 1 part in 32767 and whole micro-g
-        EXPECT_NEAR(sample.values[static_cast<std::size_t>(axis)], raw[axis], 2e-4);
+    EXPECT_LT(maxAbs(Vector(sample.values) - raw), 2e-4);  // the record holds 1 part in 32767 and whole micro-g
 }
 
 TEST(InertialSensor, RefusesToUndoARecordItCannotInvert) {
     const std::string size = "Invalid calibration data size";
-    for (const auto& [bytes, text] : std::vector<std::pair<ByteString, std::string>>{
-             {ByteString(40), "Failed to invert SDT data"},
-             {ByteString(37), size},
-             {ByteString(1), size},
-             {ByteString{200}, "Custom calibration data format. Cannot reverse SDT static calibration"},
-             {ByteString{}, "(nothing thrown)"},
-         }) {
+    using Row = std::pair<ByteString, std::string>;
+    for (const auto& [bytes, text] :
+         {Row{ByteString(40), "Failed to invert SDT data"}, Row{ByteString(37), size}, Row{ByteString(1), size},
+          Row{{200}, "Custom calibration data format. Cannot reverse SDT static calibration"}, Row{{}, "(nothing thrown)"}}) {
         Accelerometer sensor(staticAccelerometer);
         sensor.firmwareData = bytes;
         EXPECT_EQ(textOf<CalibrationException>([&sensor = sensor] { sensor.calcReverseSdt(); }), text);
@@ -66,16 +61,13 @@ TEST(InertialSensor, RefusesToUndoARecordItCannotInvert) {
 }
 
 TEST(InertialSensor, FindsTheSegmentsOrSaysWhatIsMissing) {
-    struct Row {
-        std::vector<double> sampleTimes, segmentTimes;
-        std::vector<std::int64_t> index;
-        std::string text = "(nothing thrown)";
-    };
+    using Row = std::tuple<std::vector<double>, std::vector<double>, std::vector<std::int64_t>, std::string>;
+    const std::string ok = "(nothing thrown)";
     const std::vector<double> steady{10.0, 20.0, 30.0, 40.0};
     const std::string error = " Calibration Error: ";
-    for (const Row& row : {
-             Row{steady, {0.0, 10.0, 25.0, 99.0}, {0, 1, 2, 4}},
-             Row{steady, {0.0, 10.0, 30.0, 30.0}, {0, 1, 3, 4}},
+    for (const auto& [sampleTimes, segmentTimes, expected, text] : {
+             Row{steady, {0.0, 10.0, 25.0, 99.0}, {0, 1, 2, 4}, ok},
+             Row{steady, {0.0, 10.0, 30.0, 30.0}, {0, 1, 3, 4}, ok},
              Row{steady, {10.0, 10.0, 25.0, 30.0}, {}, "Accelerometer" + error + "No data was sampled during stage 1"},
              Row{steady, {0.0, 25.0, 25.0, 30.0}, {}, "Accelerometer" + error + "No data was sampled during stage 2"},
              Row{steady, {0.0, 10.0, 40.0, 50.0}, {}, "Accelerometer" + error + "Failed splitting data to segments"},
@@ -83,12 +75,12 @@ TEST(InertialSensor, FindsTheSegmentsOrSaysWhatIsMissing) {
              Row{{}, {0.0, 1.0}, {}, "Accelerometer_2" + error + "No data was available"},
          }) {
         Fixture f(SequenceKind::fourSteps, RunMode::calibrate, secondOf(staticAccelerometer));
-        f.run.process.segmentTimes = row.segmentTimes;
-        for (const double time : row.sampleTimes)
+        f.run.process.segmentTimes = segmentTimes;
+        for (const double time : sampleTimes)
             f.sensor.bufferedData.append(sampleAt(time));
         std::vector<std::int64_t> index;
-        EXPECT_EQ(textOf<CalibrationException>([&] { index = f.sensor.findIndex(); }), row.text);
-        EXPECT_EQ(index, row.index);
+        EXPECT_EQ(textOf<CalibrationException>([&] { index = f.sensor.findIndex(); }), text);
+        EXPECT_EQ(index, expected);
     }
 }
 
@@ -100,10 +92,8 @@ TEST(InertialSensor, PositionsLeaveOutTheLastSampleOfTheFirstSegmentOnly) {
     f.sensor.segmentValues.setRows(4);
     f.sensor.computePositions();
     // Before the turn {0, 0.1}, after it {2, 2.1, 1000}.
-    EXPECT_DOUBLE_EQ(f.sensor.segmentValues(0, 0), 2.0);
-    EXPECT_DOUBLE_EQ(f.sensor.segmentValues(1, 0), 6.0);
-    EXPECT_DOUBLE_EQ(f.sensor.segmentValues(3, 0), 12.05);
-    EXPECT_DOUBLE_EQ(f.sensor.segmentValues(3, 2), 1.0);
+    const Matrix& values = f.sensor.segmentValues;
+    EXPECT_LT(maxAbs(Vector{values(0, 0), values(1, 0), values(3, 0), values(3, 2)} - Vector{2.0, 6.0, 12.05, 1.0}), 1e-12);
 }
 
 TEST(InertialSensor, MeansRefuseWhatIsNoNumberButLetNegativeInfinityPass) {
@@ -148,14 +138,13 @@ TEST(InertialSensor, SettlesWithinLimitsThatOnlyShrink) {
 
 /// Step by step as the definition has it, over plain loops.
 double slowStableTime(const std::vector<SensorSample>& samples, double time) {
-    const auto range = [&samples](double from) {
-        std::vector<double> values;
-        std::size_t first = 0;
-        for (std::size_t i = 0; i < samples.size(); ++i)
-            if (samples[i].time <= from)
-                first = i;
-        for (std::size_t i = first; i < samples.size() && samples[i].time <= from + 1000.0; ++i)
-            values.push_back(samples[i].values[0]);
+    const auto range = [&samples](double from) {  // with the last sample before it
+        std::vector<double> values(1, samples.front().values[0]);
+        for (const SensorSample& sample : samples)
+            if (sample.time <= from)
+                values[0] = sample.values[0];
+            else if (sample.time <= from + 1000.0)
+                values.push_back(sample.values[0]);
         return values;
     };
     const auto spread = [](const std::vector<double>& v) {
